@@ -1,0 +1,119 @@
+#include "base/json.h"
+
+#include <charconv>
+#include <cmath>
+
+#include "base/json_codec.h"
+
+namespace thalvorn {
+namespace {
+
+constexpr auto kNeedsEscape = [] {
+  std::array<bool, 256> table{};
+  for (std::size_t c = 0; c < 0x20; ++c) table[c] = true;
+  table['"'] = true;
+  table['\\'] = true;
+  return table;
+}();
+
+void appendEscape(std::string& out, char c) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  switch (c) {
+    case '"':
+      out += "\\\"";
+      return;
+    case '\\':
+      out += "\\\\";
+      return;
+    case '\n':
+      out += "\\n";
+      return;
+    case '\r':
+      out += "\\r";
+      return;
+    case '\t':
+      out += "\\t";
+      return;
+    default:
+      out += "\\u00";
+      out.push_back(digits[static_cast<unsigned char>(c) >> 4]);
+      out.push_back(digits[static_cast<unsigned char>(c) & 15]);
+  }
+}
+
+}  // namespace
+
+namespace json_detail {
+
+Scratch& scratch() {
+  thread_local Scratch mine;
+  return mine;
+}
+
+}  // namespace json_detail
+
+void appendJsonString(std::string& out, std::string_view text) {
+  out.push_back('"');
+  std::size_t clean = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (!kNeedsEscape[static_cast<unsigned char>(text[i])]) continue;
+    out.append(text, clean, i - clean);
+    appendEscape(out, text[i]);
+    clean = i + 1;
+  }
+  out.append(text, clean);
+  out.push_back('"');
+}
+
+void appendJsonNumber(std::string& out, double number) {
+  if (!std::isfinite(number)) {
+    out += "null";
+    return;
+  }
+  char buffer[32];
+  // Whole readings such as 4812 and intervals are by far the commonest; they need no digit search.
+  if (std::abs(number) < 1e15 && number == std::floor(number) && !(number == 0 && std::signbit(number))) {
+    out.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, static_cast<std::int64_t>(number)).ptr);
+    return;
+  }
+  out.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, number).ptr);
+}
+
+std::expected<std::vector<RawElement>, JsonError> splitJsonList(std::string_view json) {
+  namespace ondemand = simdjson::ondemand;
+  json_detail::Scratch& scratch = json_detail::scratch();
+  const auto padded = scratch.pad(json);
+  thread_local ondemand::parser id_parser;
+  ondemand::document document;
+  ondemand::array array;
+  if (scratch.parser.iterate(padded).get(document)) return std::unexpected(JsonError{"", "is not JSON"});
+  if (document.get_array().get(array)) return std::unexpected(JsonError{"", "is not a list"});
+  std::vector<RawElement> elements;
+  for (auto element : array) {
+    ondemand::value value;
+    if (element.get(value)) return std::unexpected(JsonError{"", "is not well-formed"});
+    RawElement raw;
+    std::string_view bytes;
+    ondemand::object object;
+    if (!value.get_object().get(object)) {
+      if (object.raw_json().get(bytes)) return std::unexpected(JsonError{"", "is not well-formed"});
+      ondemand::document element_document;
+      std::string_view id;
+      const simdjson::padded_string_view view(bytes.data(), bytes.size(), bytes.size() + simdjson::SIMDJSON_PADDING);
+      if (!id_parser.iterate(view).get(element_document) &&
+          !element_document.find_field_unordered("id").get_string().get(id))
+        raw.id.assign(id);
+    } else {
+      bytes = value.raw_json_token();
+    }
+    while (!bytes.empty() &&
+           (bytes.back() == ' ' || bytes.back() == '\n' || bytes.back() == '\r' || bytes.back() == '\t'))
+      bytes.remove_suffix(1);
+    raw.bytes = json.substr(static_cast<std::size_t>(bytes.data() - padded.data()), bytes.size());
+    elements.push_back(std::move(raw));
+  }
+  if (!json_detail::atEnd(document)) return std::unexpected(JsonError{"", "has text after the list"});
+  return elements;
+}
+
+}  // namespace thalvorn
