@@ -137,14 +137,14 @@ std::string_view CsvRow::cell(std::optional<std::size_t> column) const {
 }
 
 CsvHeader::CsvHeader(std::span<const std::string_view> cells) {
-  m_names.reserve(cells.size());
-  for (const auto cell : cells) m_names.push_back(lowered(trimmed(cell)));
+  names_.reserve(cells.size());
+  for (const auto cell : cells) names_.push_back(lowered(trimmed(cell)));
 }
 
 std::optional<std::size_t> CsvHeader::column(std::string_view name) const {
-  const auto found = std::ranges::find(m_names, lowered(trimmed(name)));
-  if (found == m_names.end()) return std::nullopt;
-  return static_cast<std::size_t>(found - m_names.begin());
+  const auto found = std::ranges::find(names_, lowered(trimmed(name)));
+  if (found == names_.end()) return std::nullopt;
+  return static_cast<std::size_t>(found - names_.begin());
 }
 
 std::string csvTextFromBytes(std::string bytes) {
@@ -177,12 +177,12 @@ std::string_view withoutFormulaGuard(std::string_view cell) {
 namespace csv_detail {
 
 const char* QuoteReader::lineEnd(const char* from) const {
-  return std::find_if(from, m_end, [](char c) { return c == '\n' || c == '\r'; });
+  return std::find_if(from, end_, [](char c) { return c == '\n' || c == '\r'; });
 }
 
 std::string_view QuoteReader::unescape(std::string_view body) {
-  if (m_used == m_unescaped.size()) m_unescaped.emplace_back();
-  std::string& text = m_unescaped[m_used++];
+  if (used_ == unescaped_.size()) unescaped_.emplace_back();
+  std::string& text = unescaped_[used_++];
   text.clear();
   for (std::size_t i = 0; i < body.size(); ++i) {
     text += body[i];
@@ -192,68 +192,68 @@ std::string_view QuoteReader::unescape(std::string_view body) {
 }
 
 std::optional<QuotedCell> QuoteReader::read(const char* open) {
-  if (m_literalUntil && open < m_literalUntil) return std::nullopt;
-  const char* const limit = m_reachedEnd ? lineEnd(open) : m_end;
+  if (literalUntil_ && open < literalUntil_) return std::nullopt;
+  const char* const limit = reachedEnd_ ? lineEnd(open) : end_;
   std::size_t lineBreaks = 0;
   bool doubled = false;
   for (const char* at = open + 1; at < limit; ++at) {
     if (*at == '\n' || (*at == '\r' && (at + 1 == limit || at[1] != '\n'))) {
       ++lineBreaks;
     } else if (*at == '"') {
-      const bool last = at + 1 == m_end;
+      const bool last = at + 1 == end_;
       if (!last && at[1] == '"' && at + 1 < limit) {
         doubled = true;
         ++at;
-      } else if (last || at[1] == m_separator || at[1] == '\n' || at[1] == '\r') {
+      } else if (last || at[1] == separator_ || at[1] == '\n' || at[1] == '\r') {
         const std::string_view body(open + 1, static_cast<std::size_t>(at - open - 1));
         return QuotedCell{doubled ? unescape(body) : body, at + 1, lineBreaks};
       } else if (lineBreaks > 0) {
         // On a later line a quote inside a cell is that line's own: the one at `open` was never closed.
-        m_literalUntil = lineEnd(open);
+        literalUntil_ = lineEnd(open);
         return std::nullopt;
       }
     }
   }
-  m_reachedEnd = true;
-  m_literalUntil = lineEnd(open);
+  reachedEnd_ = true;
+  literalUntil_ = lineEnd(open);
   return std::nullopt;
 }
 
 }  // namespace csv_detail
 
-CsvWriter::CsvWriter(CsvFormat format) : m_format(format), m_out(utf8Bom) {}
+CsvWriter::CsvWriter(CsvFormat format) : format_(format), out_(utf8Bom) {}
 
 void CsvWriter::startCell() {
-  if (m_rowOpen) m_out += static_cast<char>(m_format.separator);
-  m_rowOpen = true;
+  if (rowOpen_) out_ += static_cast<char>(format_.separator);
+  rowOpen_ = true;
 }
 
 CsvWriter& CsvWriter::text(std::string_view value) {
   startCell();
   const bool guarded = needsFormulaGuard(value);
   const bool padded = !value.empty() && (value.front() == ' ' || value.back() == ' ');
-  const char special[] = {static_cast<char>(m_format.separator), '"', '\r', '\n'};
+  const char special[] = {static_cast<char>(format_.separator), '"', '\r', '\n'};
   if (!padded && value.find_first_of(std::string_view(special, sizeof special)) == std::string_view::npos) {
-    if (guarded) m_out += '\'';
-    m_out += value;
+    if (guarded) out_ += '\'';
+    out_ += value;
     return *this;
   }
-  m_out += '"';
-  if (guarded) m_out += '\'';
+  out_ += '"';
+  if (guarded) out_ += '\'';
   for (const char c : value) {
-    if (c == '"') m_out += '"';
-    m_out += c;
+    if (c == '"') out_ += '"';
+    out_ += c;
   }
-  m_out += '"';
+  out_ += '"';
   return *this;
 }
 
 void CsvWriter::appendNumber(std::string_view digits) {
   startCell();
-  const bool quoted = m_format.decimalPoint == static_cast<char>(m_format.separator) && digits.contains('.');
-  if (quoted) m_out += '"';
-  for (const char c : digits) m_out += c == '.' ? m_format.decimalPoint : c;
-  if (quoted) m_out += '"';
+  const bool quoted = format_.decimalPoint == static_cast<char>(format_.separator) && digits.contains('.');
+  if (quoted) out_ += '"';
+  for (const char c : digits) out_ += c == '.' ? format_.decimalPoint : c;
+  if (quoted) out_ += '"';
 }
 
 CsvWriter& CsvWriter::number(double value) {
@@ -288,8 +288,8 @@ CsvWriter& CsvWriter::empty() {
 }
 
 CsvWriter& CsvWriter::endRow() {
-  m_out += "\r\n";
-  m_rowOpen = false;
+  out_ += "\r\n";
+  rowOpen_ = false;
   return *this;
 }
 

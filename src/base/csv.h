@@ -34,10 +34,10 @@ class CsvHeader {
 
   /// The position of the first column with this name.
   std::optional<std::size_t> column(std::string_view name) const;
-  const std::vector<std::string>& names() const { return m_names; }
+  const std::vector<std::string>& names() const { return names_; }
 
  private:
-  std::vector<std::string> m_names;
+  std::vector<std::string> names_;
 };
 
 /// What a file holds after its byte-order mark and its `sep=` line, and what separates its cells.
@@ -70,24 +70,24 @@ struct QuotedCell {
 /// Reads quoted cells and keeps the unescaped text of those with doubled quotes until the end of the row.
 class QuoteReader {
  public:
-  QuoteReader(const char* end, char separator) : m_end(end), m_separator(separator) {}
+  QuoteReader(const char* end, char separator) : end_(end), separator_(separator) {}
 
   /// Reads the cell whose opening quote is at `open`. A quote that no later quote closes is not an opening quote but
   /// part of the text: then nothing is returned and the cell ends at the next separator, so that no row is lost.
   std::optional<QuotedCell> read(const char* open);
 
-  void startRow() { m_used = 0; }
+  void startRow() { used_ = 0; }
 
  private:
   const char* lineEnd(const char* from) const;
   std::string_view unescape(std::string_view body);
 
-  const char* m_end;
-  char m_separator;
-  bool m_reachedEnd = false;             // an earlier quote was open to the end: later ones must close on their line
-  const char* m_literalUntil = nullptr;  // quotes before here are text: the line has an unclosed one
-  std::deque<std::string> m_unescaped;
-  std::size_t m_used = 0;
+  const char* end_;
+  char separator_;
+  bool reachedEnd_ = false;             // an earlier quote was open to the end: later ones must close on their line
+  const char* literalUntil_ = nullptr;  // quotes before here are text: the line has an unclosed one
+  std::deque<std::string> unescaped_;
+  std::size_t used_ = 0;
 };
 
 }  // namespace csv_detail
@@ -161,15 +161,15 @@ class CsvWriter {
   CsvWriter& row(std::span<const std::string_view> cells);
 
   /// The file's bytes so far; the writer is spent afterwards.
-  std::string take() { return std::move(m_out); }
+  std::string take() { return std::move(out_); }
 
  private:
   void startCell();
   void appendNumber(std::string_view digits);
 
-  CsvFormat m_format;
-  std::string m_out;
-  bool m_rowOpen = false;
+  CsvFormat format_;
+  std::string out_;
+  bool rowOpen_ = false;
 };
 
 }  // namespace thalvorn
