@@ -154,7 +154,7 @@ def unused_files(tree):
         ways = [path, path[len("src/"):], path[len("tests/"):], os.path.basename(path)]
         if not any(included.get(way, set()) - {path} for way in ways):
             yield f"{path}:1: no file includes this header"
-    for path in tree.files("src/", (".qml", ".js", ".svg", ".png")):
+    for path in tree.files(("src/", "assets/"), (".qml", ".js", ".svg", ".png")):
         if not words.get(Path(path).stem, set()) - {path}:
             yield f"{path}:1: nothing uses this file"
 
@@ -280,10 +280,9 @@ def file_length(tree):
 
 
 def licences(tree):
-    """A folder of bundled fonts or of bundled icons holds their licence."""
-    folders = {os.path.dirname(path) for path in tree.files("src/", (".ttf", ".otf", ".woff2"))}
-    folders |= {os.path.dirname(path) for path in tree.files("src/", (".svg",))}
-    for folder in sorted(folders):
+    """A folder of bundled fonts or icons holds their licence."""
+    bundled = tree.files(("src/", "assets/"), (".ttf", ".otf", ".woff2", ".svg"))
+    for folder in sorted({os.path.dirname(path) for path in bundled}):
         beside = [path for path in tree.paths if os.path.dirname(path) == folder]
         if not any(re.match(r"(LICEN[CS]E|OFL)", os.path.basename(path)) for path in beside):
             yield f"{folder}:1: bundled files without their licence beside them"

@@ -41,12 +41,12 @@ CASES = {
     "unused_files": (
         [("src/core/lonely.h", "#pragma once\n", 1),
          ("src/app/qml/Orphan.qml", "Item { id: Orphan }\n", 1),
-         ("src/app/icons/boat-lost.svg", "<svg/>\n", 1)],
+         ("assets/icons/boat-lost.svg", "<svg/>\n", 1)],
         [("src/core/task.h", "#pragma once\n"),
          ("src/core/task.cpp", '#include "core/task.h"\n'),
          ("src/app/qml/Badge.qml", "Item {}\n"),
          ("src/app/qml/Main.qml", "Badge {}\n"),
-         ("src/app/icons/boat.svg", "<svg/>\n"),
+         ("assets/icons/boat.svg", "<svg/>\n"),
          ("src/app/main.cpp", 'load("Main.qml"); icon("boat");\n')]),
     "coroutine_lambdas": (
         [("src/store/a.cpp", "auto f() {\n  run([this]() -> Task<> { co_await g(); });\n}\n", 2),
@@ -86,8 +86,8 @@ CASES = {
         [("src/core/a.cpp", "int x;\n" * (checks.MOST_LINES + 1), checks.MOST_LINES)],
         [("src/core/b.cpp", "int x;\n" * checks.MOST_LINES)]),
     "licences": (
-        [("src/app/fonts/Some.ttf", "", 1)],
-        [("src/app/icons/boat.svg", "<svg/>\n"), ("src/app/icons/LICENSE", "MIT\n")]),
+        [("assets/fonts/Some.ttf", "", 1)],
+        [("assets/icons/boat.svg", "<svg/>\n"), ("assets/icons/LICENSE", "MIT\n")]),
 }
 
 
