@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -70,6 +71,8 @@ class Choice {
   constexpr std::uint32_t order() const { return code_; }
 
   friend constexpr bool operator==(Choice, Choice) = default;
+  /// As `order()`.
+  friend constexpr std::strong_ordering operator<=>(Choice, Choice) = default;
   friend constexpr bool operator==(Choice choice, E value) { return choice.code_ == static_cast<std::uint32_t>(value); }
 
  private:

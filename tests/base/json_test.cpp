@@ -55,8 +55,6 @@ struct JsonForm<Snake> {
   static constexpr bool snakeCase = true;
 };
 
-bool operator<(Choice<Colour> a, Choice<Colour> b) { return a.order() < b.order(); }
-
 THALVORN_JSON_INSTANTIATE(Sample);
 THALVORN_JSON_INSTANTIATE(Snake);
 
