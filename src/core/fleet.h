@@ -14,6 +14,9 @@ namespace thalvorn {
 /// Refers to the vessels it was made from; make a new one when they change.
 class Fleet {
  public:
+  /// Running hours a day that are assumed while nothing better is known: 10 hours of running in a week.
+  static constexpr double kAssumedHoursPerDay = 10.0 / 7.0;
+
   /// What the six meters of one vessel show, and how fast they run.
   struct Meters {
     Uuid vesselID;
@@ -23,10 +26,11 @@ class Fleet {
 
     /// The reading of a meter; 0 for a meter that only a newer program knows.
     double reading(Choice<HourSource> source) const { return source.isKnown() ? hours[source.order()] : 0.0; }
+    /// Hours a day that the meter runs on average, always above 0.
+    double pace(Choice<HourSource> source) const {
+      return vessel && source.isKnown() ? hoursPerDay[source.order()] : kAssumedHoursPerDay;
+    }
   };
-
-  /// Running hours a day that are assumed while nothing better is known: 10 hours of running in a week.
-  static constexpr double kAssumedHoursPerDay = 10.0 / 7.0;
 
   explicit Fleet(std::span<const Vessel> vessels);
 

@@ -79,21 +79,18 @@ StatusReason explainStatus(const MaintenanceTask& task, const Vessel& vessel, co
 }
 
 DueText dueText(const MaintenanceTask& task, const StatusReason& reason, Timestamp now, const Calendar& calendar) {
-  if (reason.snoozed) {
-    const auto until = calendar.date(*task.snoozedUntil);
-    return {"until " + formatShortDate(until, calendar.date(now)), std::string(kSnoozedText)};
-  }
-  if (!task.dueDate && !task.dueAtEngineHours) return {"—", everyText(task)};
-  if (decidedByHours(task, reason)) {
-    const auto rest = task.dueDate ? "or " + formatShortDate(calendar.date(*task.dueDate), calendar.date(now))
-                                   : fmt::format("at {} h", formatNumber(*task.dueAtEngineHours, 1));
-    return {hoursAway(*reason.remainingHours), rest};
-  }
+  const auto shortDate = [&](Timestamp time) { return formatShortDate(calendar.date(time), calendar.date(now)); };
+  if (reason.snoozed && task.snoozedUntil) return {"until " + shortDate(*task.snoozedUntil), std::string(kSnoozedText)};
+
+  if (task.dueAtEngineHours && reason.remainingHours && decidedByHours(task, reason))
+    return {hoursAway(*reason.remainingHours), task.dueDate
+                                                   ? "or " + shortDate(*task.dueDate)
+                                                   : fmt::format("at {} h", formatNumber(*task.dueAtEngineHours, 1))};
+  if (!task.dueDate) return {"—", everyText(task)};
+
   const std::string due = formatDue(*task.dueDate, now, calendar);
   if (task.dueAtEngineHours) return {due, fmt::format("or at {} h", formatNumber(*task.dueAtEngineHours, 1))};
-  if (reason.remainingDays.value_or(0) < 0)
-    return {due, formatShortDate(calendar.date(*task.dueDate), calendar.date(now))};
-  return {due, everyText(task)};
+  return {due, reason.remainingDays.value_or(0) < 0 ? shortDate(*task.dueDate) : everyText(task)};
 }
 
 std::string reasonText(const MaintenanceTask& task, const StatusReason& reason, const Vessel& vessel, Timestamp now,
@@ -122,7 +119,7 @@ std::string reasonText(const MaintenanceTask& task, const StatusReason& reason, 
         break;
     }
   }
-  if (reason.snoozed)
+  if (reason.snoozed && task.snoozedUntil)
     text += fmt::format(" Snoozed until {}.", formatShortDate(calendar.date(*task.snoozedUntil), calendar.date(now)));
   if (reason.meterMissing)
     text += fmt::format(" The task names a meter the vessel lacks ({}): choose one that {} has.",
