@@ -8,6 +8,8 @@
 namespace thalvorn {
 namespace {
 
+constexpr std::string_view kBlanks = " \n\r\t";
+
 constexpr auto kNeedsEscape = [] {
   std::array<bool, 256> table{};
   for (std::size_t c = 0; c < 0x20; ++c) table[c] = true;
@@ -39,6 +41,14 @@ void appendEscape(std::string& out, char c) {
       out.push_back(digits[static_cast<unsigned char>(c) >> 4]);
       out.push_back(digits[static_cast<unsigned char>(c) & 15]);
   }
+}
+
+// Whether between two elements of a list there is a comma and blanks, and nothing else that would be lost.
+bool isSeparator(std::string_view between, bool first) {
+  const auto at = between.find_first_not_of(kBlanks);
+  if (first) return at == std::string_view::npos;
+  return at != std::string_view::npos && between[at] == ',' &&
+         between.find_first_not_of(kBlanks, at + 1) == std::string_view::npos;
 }
 
 }  // namespace
@@ -89,13 +99,17 @@ std::expected<std::vector<RawElement>, JsonError> splitJsonList(std::string_view
   if (scratch.parser.iterate(padded).get(document)) return std::unexpected(JsonError{"", "is not JSON"});
   if (document.get_array().get(array)) return std::unexpected(JsonError{"", "is not a list"});
   std::vector<RawElement> elements;
+  std::size_t readTo = json.find('[') + 1;
   for (auto element : array) {
     ondemand::value value;
     if (element.get(value)) return std::unexpected(JsonError{"", "is not well-formed"});
     RawElement raw;
     std::string_view bytes;
     ondemand::object object;
-    if (!value.get_object().get(object)) {
+    ondemand::array list;
+    if (!value.get_array().get(list)) {
+      if (list.raw_json().get(bytes)) return std::unexpected(JsonError{"", "is not well-formed"});
+    } else if (!value.get_object().get(object)) {
       if (object.raw_json().get(bytes)) return std::unexpected(JsonError{"", "is not well-formed"});
       ondemand::document element_document;
       std::string_view id;
@@ -106,13 +120,17 @@ std::expected<std::vector<RawElement>, JsonError> splitJsonList(std::string_view
     } else {
       bytes = value.raw_json_token();
     }
-    while (!bytes.empty() &&
-           (bytes.back() == ' ' || bytes.back() == '\n' || bytes.back() == '\r' || bytes.back() == '\t'))
-      bytes.remove_suffix(1);
-    raw.bytes = json.substr(static_cast<std::size_t>(bytes.data() - padded.data()), bytes.size());
+    bytes = bytes.substr(0, bytes.find_last_not_of(kBlanks) + 1);
+    const auto start = static_cast<std::size_t>(bytes.data() - padded.data());
+    if (start < readTo || !isSeparator(json.substr(readTo, start - readTo), elements.empty()))
+      return std::unexpected(JsonError{"", "is not well-formed"});
+    readTo = start + bytes.size();
+    raw.bytes = json.substr(start, bytes.size());
     elements.push_back(std::move(raw));
   }
   if (!json_detail::atEnd(document)) return std::unexpected(JsonError{"", "has text after the list"});
+  if (json.substr(readTo).find_first_not_of(kBlanks) != json.rfind(']') - readTo)
+    return std::unexpected(JsonError{"", "is not well-formed"});
   return elements;
 }
 

@@ -111,13 +111,51 @@ inline bool fail(JsonError& error, std::string_view reason) {
   return false;
 }
 
+/// Reads a value that nothing wants to its end. simdjson's own skipping passes over broken nesting, and with it over
+/// the elements that follow; here it is an error.
+inline bool readPast(ondemand::value value, int depth = 0) {
+  ondemand::json_type type{};
+  if (depth > 64 || value.type().get(type)) return false;
+  switch (type) {
+    case ondemand::json_type::array: {
+      ondemand::array array;
+      if (value.get_array().get(array)) return false;
+      for (auto element : array) {
+        ondemand::value item;
+        if (element.get(item) || !readPast(item, depth + 1)) return false;
+      }
+      return true;
+    }
+    case ondemand::json_type::object: {
+      ondemand::object object;
+      if (value.get_object().get(object)) return false;
+      for (auto member : object) {
+        ondemand::value item;
+        if (member.value().get(item) || !readPast(item, depth + 1)) return false;
+      }
+      return true;
+    }
+    case ondemand::json_type::string:
+      return !value.get_string().error();
+    case ondemand::json_type::number:
+      return !value.get_double().error();
+    case ondemand::json_type::boolean:
+      return !value.get_bool().error();
+    case ondemand::json_type::null:
+      return !value.is_null().error();
+  }
+  return false;
+}
+
 template <class T>
 bool decodeRecord(ondemand::object object, T& out, JsonError& error, FieldSet fields, FieldSet& seen);
 
 template <class T>
 bool decode(ondemand::value value, T& out, JsonError& error) {
   if constexpr (isOptional<T>) {
-    if (value.is_null()) {
+    bool null = false;
+    if (value.is_null().get(null)) return fail(error, "is not well-formed");
+    if (null) {
       out.reset();
       return true;
     }
@@ -223,15 +261,22 @@ bool decodeRecord(ondemand::object object, T& out, JsonError& error, FieldSet fi
       index = 0;
       while (index < fieldCount<T> && !key.unsafe_is_equal(keys<T>[index].name())) ++index;
     }
-    if (index == fieldCount<T>) continue;
-    expected = index + 1;
-    if (!(fields >> index & 1)) continue;
+    if (index < fieldCount<T>) expected = index + 1;
+    if (index == fieldCount<T> || !(fields >> index & 1)) {
+      if (!readPast(value)) return fail(error, "is not well-formed");
+      continue;
+    }
     bool decoded = true;
     boost::mp11::mp_with_index<fieldCount<T>>(index, [&](auto i) {
       constexpr auto field = boost::mp11::mp_at<FieldList<T>, decltype(i)>{};
       using Value = std::remove_cvref_t<decltype(out.*field.pointer)>;
       if constexpr (!isOptional<Value>) {
-        if (value.is_null()) return;
+        bool null = false;
+        if (value.is_null().get(null)) {
+          decoded = fail(error, "is not well-formed");
+          return;
+        }
+        if (null) return;
       }
       seen |= FieldSet{1} << i;
       decoded = decode(value, out.*field.pointer, error);

@@ -124,6 +124,8 @@ TEST(Json, SaysWhatIsWrong) {
   EXPECT_EQ(message(R"(,"dueDate":"soon"})"), "dueDate: is not a date");
   EXPECT_EQ(message(R"(,"parts":[{"name":"a"},{"quantity":"b"}]})"), "parts.quantity: is not a number");
   EXPECT_EQ(message(R"(,"photos":["*"]})"), "photos: is not base64");
+  EXPECT_EQ(message(R"(,"dueDate":nul})"), "dueDate: is not well-formed");
+  EXPECT_EQ(message(R"(,"later":"a":"b"})"), "is not well-formed");
   EXPECT_NE(message("} {"), "read");
   EXPECT_NE(message("} 7"), "read");
   EXPECT_EQ(message(",\"title\":\"cut"), "is not JSON");
@@ -146,13 +148,17 @@ TEST(Json, SetsAsideOnlyTheRecordsThatCannotBeRead) {
 }
 
 TEST(Json, SplitsAListIntoItsBytes) {
-  const auto elements = splitJsonList(R"([ {"x":{"id":"inner"},"id":"outer"} , {"a":1},"t"])");
+  const auto elements = splitJsonList(R"([ {"x":{"id":"inner"},"id":"outer"} , {"a":1},"t", [1, [2]] ] )");
   ASSERT_TRUE(elements);
-  ASSERT_EQ(elements->size(), 3U);
+  ASSERT_EQ(elements->size(), 4U);
   EXPECT_EQ((*elements)[0].bytes, R"({"x":{"id":"inner"},"id":"outer"})");
   EXPECT_EQ((*elements)[0].id, "outer");
   EXPECT_EQ((*elements)[1].bytes, R"({"a":1})");
   EXPECT_EQ((*elements)[2].bytes, R"("t")");
+  EXPECT_EQ((*elements)[3].bytes, "[1, [2]]");
+  // Broken between the elements: what stands there would be lost.
+  EXPECT_FALSE(splitJsonList(R"([{"a":1},"t":[2]])"));
+  EXPECT_FALSE(splitJsonList(R"([{"a":1} {"a":2}])"));
 }
 
 }  // namespace

@@ -1,0 +1,159 @@
+#include "app/app_controller.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QKeySequence>
+#include <algorithm>
+
+#include "app/command_table.h"
+#include "app/module_table.h"
+
+namespace thalvorn::app {
+
+namespace {
+
+constexpr std::size_t kHistoryLength = 50;
+constexpr int kNumberedPages = 9;
+
+QString appearanceKey() { return QStringLiteral("thalvorn.appearance"); }
+
+QString text(const char16_t* literal) { return literal ? QString::fromUtf16(literal) : QString(); }
+
+QString shown(const QString& portable) {
+  return QKeySequence(portable, QKeySequence::PortableText).toString(QKeySequence::NativeText);
+}
+
+}  // namespace
+
+AppController::AppController(PreferenceStore& preferences, QObject* parent)
+    : QObject(parent), preferences_(preferences), appearance_(preferences.preference(appearanceKey())) {
+  if (appearance_ != u"light" && appearance_ != u"dark") appearance_ = QStringLiteral("system");
+}
+
+void AppController::setPhase(const QString& phase) {
+  if (phase == phase_) return;
+  phase_ = phase;
+  Q_EMIT phaseChanged();
+}
+
+void AppController::setAppearance(const QString& appearance) {
+  if (appearance == appearance_) return;
+  const bool before = dark();
+  appearance_ = appearance;
+  preferences_.setPreference(appearanceKey(), appearance);
+  Q_EMIT appearanceChanged();
+  if (dark() != before) Q_EMIT darkChanged();
+}
+
+bool AppController::dark() const { return appearance_ == u"dark" || (appearance_ != u"light" && desktopDark_); }
+
+void AppController::setDesktopDark(bool dark) {
+  const bool before = this->dark();
+  desktopDark_ = dark;
+  if (this->dark() != before) Q_EMIT darkChanged();
+}
+
+void AppController::setReducedMotion(bool reduced) {
+  if (reduced == reducedMotion_) return;
+  reducedMotion_ = reduced;
+  Q_EMIT reducedMotionChanged();
+}
+
+QVariantList AppController::pages() const {
+  QVariantList list;
+  int number = 0;
+  for (const PageEntry& page : pageTable()) {
+    const bool inSidebar = page.group != nullptr;
+    if (inSidebar) ++number;
+    list.append(QVariantMap{
+        {QStringLiteral("id"), text(page.id)},
+        {QStringLiteral("title"), text(page.title)},
+        {QStringLiteral("icon"), text(page.icon)},
+        {QStringLiteral("group"), text(page.group)},
+        {QStringLiteral("source"), qmlAddress(text(page.source))},
+        {QStringLiteral("inSidebar"), inSidebar},
+        {QStringLiteral("shortcut"),
+         inSidebar && number <= kNumberedPages ? QStringLiteral("Ctrl+%1").arg(number) : QString()},
+    });
+  }
+  return list;
+}
+
+QVariantList AppController::menus() const {
+  QVariantList list;
+  for (const Command& command : commandTable()) {
+    const QString menu = text(command.menu);
+    if (list.isEmpty() || list.last().toMap().value(QStringLiteral("title")) != menu) {
+      list.append(QVariantMap{{QStringLiteral("title"), menu}, {QStringLiteral("items"), QVariantList()}});
+    }
+    QVariantMap entry = list.last().toMap();
+    QVariantList items = entry.value(QStringLiteral("items")).toList();
+    const QString title = text(command.title);
+    const QString name = text(command.notification);
+    items.append(QVariantMap{{QStringLiteral("title"), title},
+                             {QStringLiteral("shortcut"), shown(text(command.shortcut))},
+                             {QStringLiteral("notification"), name},
+                             {QStringLiteral("separator"), title.isEmpty()},
+                             {QStringLiteral("enabled"), !name.isEmpty()}});
+    entry[QStringLiteral("items")] = items;
+    list.last() = entry;
+  }
+  return list;
+}
+
+QVariantList AppController::shortcuts() const {
+  QVariantList list;
+  for (const Command& command : commandTable()) {
+    if (!*command.shortcut) continue;
+    list.append(QVariantMap{{QStringLiteral("keys"), text(command.shortcut)},
+                            {QStringLiteral("shown"), shown(text(command.shortcut))},
+                            {QStringLiteral("title"), text(command.title)},
+                            {QStringLiteral("notification"), text(command.notification)}});
+  }
+  return list;
+}
+
+QString AppController::version() const { return QStringLiteral(THALVORN_VERSION); }
+
+void AppController::open(const QString& page, const QVariantMap& arguments) {
+  if (!findPage(page)) {
+    qWarning("There is no page named %s", qUtf8Printable(page));
+    return;
+  }
+  if (page == current_.page && arguments == current_.arguments) return;
+  history_.push_back(current_);
+  if (history_.size() > kHistoryLength) history_.erase(history_.begin());
+  current_ = {page, arguments};
+  Q_EMIT pageChanged();
+}
+
+void AppController::back() {
+  if (history_.empty()) return;
+  current_ = history_.back();
+  history_.pop_back();
+  Q_EMIT pageChanged();
+}
+
+void AppController::post(const QString& name) {
+  const auto command = std::ranges::find_if(
+      commandTable(), [&](const Command& entry) { return name == QStringView(entry.notification); });
+  if (command != commandTable().end() && *command->page) open(text(command->page));
+  Q_EMIT notification(name);
+}
+
+void AppController::openSheet(const QString& source, const QVariantMap& properties) {
+  Q_EMIT sheetRequested(qmlAddress(source), properties);
+}
+
+void AppController::toast(const QString& text, const QString& tone) { Q_EMIT toastRequested(text, tone); }
+
+void AppController::remember(const QString& key, const QString& value) { preferences_.setPreference(key, value); }
+
+QString AppController::recall(const QString& key, const QString& otherwise) const {
+  const QString value = preferences_.preference(key);
+  return value.isEmpty() ? otherwise : value;
+}
+
+void AppController::copyText(const QString& text) const { QGuiApplication::clipboard()->setText(text); }
+
+}  // namespace thalvorn::app

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <QObject>
+#include <QVariant>
+#include <vector>
+
+namespace thalvorn::app {
+
+/// Where a few settings of the program are kept between starts.
+class PreferenceStore {
+ public:
+  virtual ~PreferenceStore() = default;
+  virtual QString preference(const QString& key) const = 0;
+  virtual void setPreference(const QString& key, const QString& value) = 0;
+};
+
+/// The window's state: which page is shown, what was posted, how it looks. QML sees it as `App`.
+class AppController : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(QString phase READ phase NOTIFY phaseChanged)
+  Q_PROPERTY(QString appearance READ appearance WRITE setAppearance NOTIFY appearanceChanged)
+  Q_PROPERTY(bool dark READ dark NOTIFY darkChanged)
+  Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged)
+  Q_PROPERTY(QString page READ page NOTIFY pageChanged)
+  Q_PROPERTY(QVariantMap pageArguments READ pageArguments NOTIFY pageChanged)
+  Q_PROPERTY(bool canGoBack READ canGoBack NOTIFY pageChanged)
+  Q_PROPERTY(QVariantList pages READ pages CONSTANT)
+  Q_PROPERTY(QVariantList menus READ menus CONSTANT)
+  Q_PROPERTY(QVariantList shortcuts READ shortcuts CONSTANT)
+  Q_PROPERTY(QString version READ version CONSTANT)
+
+ public:
+  explicit AppController(PreferenceStore& preferences, QObject* parent = nullptr);
+
+  /// "welcome" until a fleet is chosen, "loading" while its records are read, then "ready".
+  QString phase() const { return phase_; }
+  void setPhase(const QString& phase);
+
+  /// "system", "light" or "dark"; kept under "thalvorn.appearance".
+  QString appearance() const { return appearance_; }
+  void setAppearance(const QString& appearance);
+  bool dark() const;
+  bool reducedMotion() const { return reducedMotion_; }
+  /// What the desktop asks for; used where the appearance is "system".
+  void setDesktopDark(bool dark);
+  void setReducedMotion(bool reduced);
+
+  QString page() const { return current_.page; }
+  QVariantMap pageArguments() const { return current_.arguments; }
+  bool canGoBack() const { return !history_.empty(); }
+
+  /// All pages: {id, title, icon, group, source, inSidebar, shortcut}.
+  QVariantList pages() const;
+  /// The menu bar: [{title, items: [{title, shortcut, notification, separator, enabled}]}].
+  QVariantList menus() const;
+  /// Every key the shell itself listens to: [{keys, notification}].
+  QVariantList shortcuts() const;
+  QString version() const;
+
+  /// Shows a page. `arguments` reach the page as its `arguments` property, for instance {"taskId": …}.
+  Q_INVOKABLE void open(const QString& page, const QVariantMap& arguments = {});
+  /// Returns to the page before, with the arguments it had.
+  Q_INVOKABLE void back();
+  /// Posts an in-process notification by name, for instance "openTemplateLibrary"; its page opens first.
+  Q_INVOKABLE void post(const QString& name);
+  /// Opens a form over the window: a QML file below the module's folder whose root is a FormSheet, with its properties.
+  Q_INVOKABLE void openSheet(const QString& source, const QVariantMap& properties = {});
+
+  /// A short message at the bottom; `tone` is "", "ok", "soon" or "overdue".
+  Q_INVOKABLE void toast(const QString& text, const QString& tone = {});
+  /// Remembers one value between starts; `recall` gives it back, or `otherwise`.
+  Q_INVOKABLE void remember(const QString& key, const QString& value);
+  Q_INVOKABLE QString recall(const QString& key, const QString& otherwise = {}) const;
+  Q_INVOKABLE void copyText(const QString& text) const;
+
+ Q_SIGNALS:
+  void phaseChanged();
+  void appearanceChanged();
+  void darkChanged();
+  void reducedMotionChanged();
+  void pageChanged();
+  void notification(const QString& name);
+  void sheetRequested(const QString& source, const QVariantMap& properties);
+  void toastRequested(const QString& text, const QString& tone);
+
+ private:
+  struct Place {
+    QString page;
+    QVariantMap arguments;
+  };
+
+  PreferenceStore& preferences_;
+  QString phase_ = QStringLiteral("loading");
+  QString appearance_;
+  bool desktopDark_ = false;
+  bool reducedMotion_ = false;
+  Place current_{QStringLiteral("home"), {}};
+  std::vector<Place> history_;
+};
+
+}  // namespace thalvorn::app

@@ -1,0 +1,35 @@
+#include "app/module_table.h"
+
+#include <algorithm>
+#include <array>
+
+namespace thalvorn::app {
+
+namespace {
+
+constexpr std::array kPages = std::to_array<PageEntry>({
+    {u"home", u"Home", u"house", u"", u"maintenance/HomePage.qml"},
+    {u"maintenance", u"Maintenance", u"wrench", u"", u"maintenance/MaintenancePage.qml"},
+    {u"serviceHistory", u"Service history", u"clock-counter-clockwise", u"", u"maintenance/ServiceHistoryPage.qml"},
+    {u"taskLibrary", u"Task library", u"books", u"", u"maintenance/TaskLibraryPage.qml"},
+    {u"recurringTasks", u"Recurring tasks", u"repeat", u"Planning", u"maintenance/RecurringTasksPage.qml"},
+    {u"templateLibrary", u"Template library", u"stack", u"Planning", u"maintenance/TemplateLibraryPage.qml"},
+    {u"importTasks", u"Import tasks", u"file-csv", u"Planning", u"maintenance/ImportTasksPage.qml"},
+    {u"vessels", u"Vessels", u"boat", u"Fleet", u"fleet/VesselsPage.qml"},
+    {u"settings", u"Settings", u"gear", u"Fleet", u"fleet/SettingsPage.qml"},
+    {u"statusList", u"Tasks by status", u"list-checks", nullptr, u"maintenance/StatusListPage.qml"},
+    {u"gallery", u"Component gallery", u"squares-four", nullptr, u"shell/GalleryPage.qml"},
+});
+
+}  // namespace
+
+std::span<const PageEntry> pageTable() { return kPages; }
+
+const PageEntry* findPage(const QString& id) {
+  const auto found = std::ranges::find_if(kPages, [&](const PageEntry& page) { return id == QStringView(page.id); });
+  return found == kPages.end() ? nullptr : &*found;
+}
+
+QString qmlAddress(const QString& source) { return QStringLiteral("qrc:/qml/Thalvorn/") + source; }
+
+}  // namespace thalvorn::app

@@ -1,0 +1,102 @@
+#include "app/picture.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QImage>
+#include <QMutex>
+#include <QQuickItem>
+#include <array>
+
+#include "app/composition.h"
+#include "app/module_table.h"
+
+namespace thalvorn::app {
+
+namespace {
+
+constexpr std::array kSizes{QSize(1366, 768), QSize(1920, 1080)};
+constexpr int kRounds = 12;
+
+struct Warnings {
+  QMutex mutex;
+  QStringList texts;
+  QtMessageHandler before = nullptr;
+};
+
+Warnings& warnings() {
+  static Warnings all;
+  return all;
+}
+
+void keepWarning(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+  if (type == QtWarningMsg || type == QtCriticalMsg) {
+    const QMutexLocker lock(&warnings().mutex);
+    warnings().texts.append(text);
+  }
+  if (warnings().before) warnings().before(type, context, text);
+}
+
+/// Lets bindings, layouts and deferred calls come to rest.
+void settle(QQuickWindow* window) {
+  for (int round = 0; round < kRounds; ++round) {
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    if (round % 4 == 3) window->grabWindow();
+  }
+}
+
+}  // namespace
+
+QString savePicture(Composition& composition, const QString& file) {
+  settle(composition.window());
+  const QImage image = composition.window()->grabWindow();
+  if (image.isNull() || !image.save(file)) return QStringLiteral("The picture could not be written to %1.").arg(file);
+  return {};
+}
+
+QString savePictures(Composition& composition, const QString& folder) {
+  if (!QDir().mkpath(folder)) return QStringLiteral("The folder %1 could not be made.").arg(folder);
+  for (const char16_t* scheme : {u"light", u"dark"}) {
+    composition.app().setAppearance(QString::fromUtf16(scheme));
+    for (const QSize& size : kSizes) {
+      composition.window()->resize(size);
+      for (const PageEntry& page : pageTable()) {
+        composition.app().open(QString::fromUtf16(page.id));
+        const QString name = QStringLiteral("%1-%2-%3x%4.png")
+                                 .arg(QStringView(page.id), QStringView(scheme))
+                                 .arg(size.width())
+                                 .arg(size.height());
+        if (const QString fault = savePicture(composition, QDir(folder).filePath(name)); !fault.isEmpty()) return fault;
+      }
+    }
+  }
+  return {};
+}
+
+void collectWarnings() { warnings().before = qInstallMessageHandler(keepWarning); }
+
+QStringList collectedWarnings() {
+  const QMutexLocker lock(&warnings().mutex);
+  return warnings().texts;
+}
+
+QStringList visitEveryPage(Composition& composition) {
+  for (const PageEntry& page : pageTable()) {
+    const QString id = QString::fromUtf16(page.id);
+    composition.app().open(id);
+    settle(composition.window());
+    if (!composition.window()->property("shownPage").value<QQuickItem*>()) {
+      qWarning("The page %s did not load", qUtf8Printable(id));
+    }
+  }
+  for (const char* name : {"openSearch", "openHelp", "openStatusHelp", "openShortcuts", "openAbout"}) {
+    composition.app().post(QString::fromLatin1(name));
+    settle(composition.window());
+  }
+  composition.app().setPhase(QStringLiteral("welcome"));
+  settle(composition.window());
+  return collectedWarnings();
+}
+
+}  // namespace thalvorn::app

@@ -1,0 +1,147 @@
+import QtQuick
+import QtQuick.Templates as T
+import Thalvorn
+
+// The program's window: menu bar, sidebar, and the page in view. Pages are made on first use and kept.
+T.ApplicationWindow {
+    id: window
+
+    readonly property bool narrow: width < Theme.collapseBelow
+    readonly property alias shownPage: pages.current
+
+    width: 1366
+    height: 768
+    minimumWidth: 900
+    minimumHeight: 560
+    title: (pages.current ? pages.current.title + " — " : "") + "Thalvorn Yacht Systems"
+    color: Theme.bg
+    font: Theme.fonts.body
+
+    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.childrenInherit: true
+
+    menuBar: App.phase === "welcome" ? null : bar
+
+    ShellMenuBar { id: bar; visible: App.phase !== "welcome" }
+
+    Sidebar {
+        id: sidebar
+        visible: App.phase !== "welcome"
+        narrow: window.narrow
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        anchors.left: parent.left
+    }
+
+    PageStack {
+        id: pages
+        visible: App.phase === "ready" || App.phase === "loading"
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        anchors.left: sidebar.visible ? sidebar.right : parent.left
+        anchors.right: parent.right
+        focus: true
+    }
+
+    Loader {
+        active: App.phase === "welcome"
+        anchors.fill: parent
+        source: active ? "shell/WelcomePage.qml" : ""
+    }
+
+    ErrorBanner {
+        anchors.bottom: parent.bottom
+        anchors.left: pages.left
+        anchors.right: pages.right
+        anchors.margins: Theme.space4
+        title: "Your changes are not saved yet"
+        text: Fleet.saveError
+        dismissable: false
+    }
+
+    Column {
+        anchors.horizontalCenter: pages.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.space5
+        width: pages.width
+        spacing: Theme.space2
+        z: 10
+
+        Toast {
+            id: toast
+            visible: text.length > 0
+            anchors.horizontalCenter: parent.horizontalCenter
+            onDone: text = ""
+        }
+        UndoBar {
+            id: undoBar
+            visible: Notices.canUndo
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: Notices.undoText
+            onUndone: Notices.undo()
+            onDone: Notices.dismiss()
+        }
+    }
+
+    SearchPopup { id: search }
+    HelpPanel { id: help; page: pages.current }
+    AboutDialog { id: about }
+    ShortcutsDialog { id: shortcuts }
+    SheetHost { id: sheets }
+
+    Connections {
+        target: App
+        function onSheetRequested(source, properties) { sheets.show(source, properties); }
+        function onToastRequested(text, tone) {
+            toast.tone = tone;
+            toast.text = text;
+        }
+        function onNotification(name) {
+            switch (name) {
+            case "openSearch": search.open(); break;
+            case "openHelp": help.showPage(); break;
+            case "openStatusHelp": help.showStatus(); break;
+            case "openShortcuts": shortcuts.open(); break;
+            case "openAbout": about.open(); break;
+            case "goBack": App.back(); break;
+            case "undoRequested": if (Notices.canUndo) Notices.undo(); break;
+            case "appearanceSystem": App.appearance = "system"; break;
+            case "appearanceLight": App.appearance = "light"; break;
+            case "appearanceDark": App.appearance = "dark"; break;
+            case "toggleFullScreen": window.visibility = window.visibility === Window.FullScreen ? Window.Windowed : Window.FullScreen; break;
+            case "quitRequested": window.close(); break;
+            }
+        }
+    }
+
+    Connections {
+        target: Search
+        function onChosen(page, args, notification) {
+            search.close();
+            if (notification)
+                App.post(notification);
+            else
+                App.open(page, args);
+        }
+    }
+
+    // The keys of the menu commands and of the numbered pages; a modal sheet has the keyboard to itself.
+    Instantiator {
+        model: App.shortcuts
+        delegate: Shortcut {
+            required property var modelData
+            sequences: [modelData.keys]
+            enabled: App.phase !== "welcome" && !sheets.busy
+            onActivated: App.post(modelData.notification)
+        }
+    }
+    Instantiator {
+        model: App.pages.filter((page) => page.shortcut.length > 0)
+        delegate: Shortcut {
+            required property var modelData
+            sequences: [modelData.shortcut]
+            enabled: App.phase !== "welcome" && !sheets.busy
+            onActivated: App.open(modelData.id)
+        }
+    }
+}

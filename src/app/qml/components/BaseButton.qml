@@ -1,0 +1,87 @@
+import QtQuick
+import QtQuick.Templates as T
+import Thalvorn
+
+// What all text buttons share; use PrimaryButton, SecondaryButton, DangerButton, IconButton or LinkButton.
+T.Button {
+    id: root
+
+    property string iconName
+    property string tip
+    property bool busy: false
+    property string trailingIcon
+    property color fill: "transparent"
+    property color fillHover: Theme.hover
+    property color fillPressed: Theme.pressed
+    property color outline: "transparent"
+    property color ink: Theme.ink
+    property string variant: "medium"
+
+    implicitHeight: Theme.controlHeight
+    implicitWidth: Math.ceil(contentItem.implicitWidth) + leftPadding + rightPadding
+    leftPadding: iconName && text ? 13 : Theme.space4
+    rightPadding: trailingIcon ? 11 : Theme.space4
+    spacing: Theme.space2
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    opacity: enabled ? 1 : 0.5
+    Accessible.role: Accessible.Button
+    Accessible.name: text || tip
+    Accessible.description: tip
+    Keys.onReturnPressed: if (enabled) clicked()
+    Keys.onEnterPressed: if (enabled) clicked()
+
+    contentItem: Item {
+        implicitWidth: row.implicitWidth
+        implicitHeight: row.implicitHeight
+
+        Row {
+            id: row
+            anchors.centerIn: parent
+            spacing: root.spacing
+
+            BusySpinner {
+                visible: root.busy
+                size: Theme.iconSmall
+                color: root.ink
+                anchors.verticalCenter: parent.verticalCenter
+            }
+            Icon {
+                visible: root.iconName.length > 0 && !root.busy
+                name: root.iconName
+                color: root.ink
+                anchors.verticalCenter: parent.verticalCenter
+            }
+            Text {
+                visible: text.length > 0
+                text: root.text
+                font: Theme.fonts[root.variant]
+                color: root.ink
+                elide: Text.ElideRight
+                textFormat: Text.PlainText
+                width: Math.min(implicitWidth, Math.max(0, root.width - root.leftPadding - root.rightPadding
+                                                        - (root.iconName ? 26 : 0) - (root.trailingIcon ? 22 : 0)) || implicitWidth)
+                anchors.verticalCenter: parent.verticalCenter
+            }
+            Icon {
+                visible: root.trailingIcon.length > 0
+                name: root.trailingIcon
+                size: 14
+                color: root.ink
+                anchors.verticalCenter: parent.verticalCenter
+            }
+        }
+    }
+
+    background: Rectangle {
+        radius: Theme.radiusControl
+        color: root.down ? root.fillPressed : root.hovered && root.enabled ? root.fillHover : root.fill
+        border.width: root.outline.a > 0 ? 1 : 0
+        border.color: root.outline
+
+        Behavior on color { ColorAnimation { duration: Theme.fast } }
+    }
+
+    FocusRing {}
+    HoverTip { text: root.tip; shown: root.hovered }
+}

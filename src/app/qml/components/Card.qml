@@ -1,0 +1,44 @@
+import QtQuick
+import QtQuick.Layouts
+import Thalvorn
+
+// A surface with an optional heading and a link at its end. Content stacks in a column.
+Rectangle {
+    id: root
+
+    property string title
+    property string note
+    property string icon
+    property string linkText
+    property int padding: Theme.space4
+    property int spacing: Theme.space3
+    default property alias content: column.data
+    signal linkClicked()
+
+    implicitWidth: column.implicitWidth + padding * 2
+    implicitHeight: column.implicitHeight + padding * 2
+    radius: Theme.radiusCard
+    color: Theme.card
+    border.width: Theme.hairline
+    border.color: Theme.line
+    Accessible.role: Accessible.Grouping
+    Accessible.name: title
+
+    ColumnLayout {
+        id: column
+        anchors.fill: parent
+        anchors.margins: root.padding
+        spacing: root.spacing
+
+        RowLayout {
+            visible: root.title.length > 0
+            Layout.fillHeight: false
+            spacing: Theme.space2
+            Icon { visible: root.icon.length > 0; name: root.icon }
+            AppText { text: root.title; variant: "strong"; Layout.maximumWidth: root.width / 2 }
+            AppText { visible: root.note.length > 0; text: root.note; variant: "body"; color: Theme.mute; Layout.fillWidth: true }
+            Item { Layout.fillWidth: root.note.length === 0; implicitHeight: 1 }
+            LinkButton { implicitHeight: 20; visible: root.linkText.length > 0; text: root.linkText; onClicked: root.linkClicked() }
+        }
+    }
+}

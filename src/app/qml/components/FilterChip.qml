@@ -1,0 +1,7 @@
+import QtQuick
+import Thalvorn
+
+// A chip that toggles a filter.
+Chip {
+    checkable: true
+}

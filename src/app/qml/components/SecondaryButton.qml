@@ -1,0 +1,8 @@
+import QtQuick
+import Thalvorn
+
+// Any other action with a word.
+BaseButton {
+    fill: Theme.card
+    outline: Theme.controlLine
+}

@@ -1,0 +1,7 @@
+import QtQuick
+import Thalvorn
+
+// Settings.
+Page {
+    title: "Settings"
+}

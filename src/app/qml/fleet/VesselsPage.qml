@@ -1,0 +1,7 @@
+import QtQuick
+import Thalvorn
+
+// Vessels.
+Page {
+    title: "Vessels"
+}

@@ -1,0 +1,7 @@
+import QtQuick
+import Thalvorn
+
+// Home.
+Page {
+    title: "Home"
+}

@@ -1,0 +1,7 @@
+import QtQuick
+import Thalvorn
+
+// Maintenance.
+Page {
+    title: "Maintenance"
+}

@@ -1,0 +1,7 @@
+import QtQuick
+import Thalvorn
+
+// Recurring tasks.
+Page {
+    title: "Recurring tasks"
+}

@@ -1,0 +1,7 @@
+import QtQuick
+import Thalvorn
+
+// Service history.
+Page {
+    title: "Service history"
+}

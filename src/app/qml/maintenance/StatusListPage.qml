@@ -1,0 +1,7 @@
+import QtQuick
+import Thalvorn
+
+// Tasks by status.
+Page {
+    title: "Tasks by status"
+}

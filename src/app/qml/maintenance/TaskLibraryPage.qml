@@ -1,0 +1,7 @@
+import QtQuick
+import Thalvorn
+
+// Task library.
+Page {
+    title: "Task library"
+}

@@ -1,0 +1,7 @@
+import QtQuick
+import Thalvorn
+
+// Template library.
+Page {
+    title: "Template library"
+}

@@ -1,0 +1,49 @@
+import QtQuick
+import Thalvorn
+
+// The pages of the program, each made when it is first opened and kept with its selection and scroll.
+FocusScope {
+    id: root
+
+    readonly property Item current: {
+        for (let i = 0; i < repeater.count; ++i) {
+            const loader = repeater.itemAt(i);
+            if (loader && loader.shown)
+                return loader.item;
+        }
+        return null;
+    }
+
+    Repeater {
+        id: repeater
+        model: App.pages
+        delegate: Loader {
+            required property var modelData
+            readonly property bool shown: App.page === modelData.id
+            readonly property var arguments: shown ? App.pageArguments : null
+
+            anchors.fill: parent
+            visible: shown
+            focus: shown
+            onShownChanged: take()
+            onArgumentsChanged: give()
+            onLoaded: give()
+            Component.onCompleted: take()
+
+            function take() {
+                if (shown && source.toString() === "")
+                    source = modelData.source;
+                if (item)
+                    item.current = shown;
+                if (shown)
+                    forceActiveFocus();
+            }
+            function give() {
+                if (item && arguments !== null)
+                    item.arguments = arguments;
+                if (item)
+                    item.current = shown;
+            }
+        }
+    }
+}

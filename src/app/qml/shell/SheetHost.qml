@@ -1,0 +1,22 @@
+import QtQuick
+import Thalvorn
+
+// Holds the form that is open over the window.
+Item {
+    id: root
+
+    readonly property bool busy: loader.item !== null && loader.item.opened
+
+    function show(source, properties) {
+        loader.setSource(source, properties);
+        if (loader.item)
+            loader.item.open();
+    }
+
+    Loader { id: loader }
+    Connections {
+        target: loader.item
+        ignoreUnknownSignals: true
+        function onClosed() { Qt.callLater(() => { if (loader.item && !loader.item.opened) loader.source = ""; }); }
+    }
+}

@@ -1,9 +1,0 @@
-#pragma once
-
-#include <QLoggingCategory>
-
-namespace thalvorn {
-
-Q_DECLARE_LOGGING_CATEGORY(storeLog)
-
-}  // namespace thalvorn
