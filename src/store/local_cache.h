@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <expected>
 #include <filesystem>
@@ -30,6 +31,7 @@ struct EntryChange {
   Uuid id;
   std::string before;
   std::string after;
+  bool sent = false;  ///< needs no upload: downloaded itself, or uploaded since
 };
 
 /// The position of an edit in the journal; later edits have higher revisions.
@@ -44,8 +46,16 @@ struct JournalEntry {
   std::vector<EntryChange> changes;
 };
 
+/// A record's edits up to `revision` have reached the backend.
+struct SentRecord {
+  std::string suffix;
+  Uuid id;
+  Revision revision = 0;
+};
+
 /// Entries of one prefix as they stand in the file: ordered segments of each list, and the edits not folded into them
-/// yet.
+/// yet. The records are those of the segments, then every change of `journal` in turn: a change with an `after` puts
+/// the record in the place of the one with its id, or at the end when there is none; one without takes it out.
 struct StoredState {
   std::map<std::string, std::vector<std::string>, std::less<>> segments;  ///< by suffix; each a JSON list
   std::vector<JournalEntry> journal;                                      ///< not folded, oldest first
@@ -71,7 +81,9 @@ class LocalCache {
     std::size_t foldAfterEdits = 4096;     ///< fold when the journal holds this many edits…
     std::size_t foldAfterBytes = 8 * 1024 * 1024;  ///< …or this many bytes
     std::chrono::milliseconds foldIdle{2000};      ///< …or when nothing was written for this long and edits are waiting
+    std::vector<std::string> neverUploaded{"demo", "local"};  ///< prefixes whose folded edits are dropped at once
   };
+  /// Runs on the writer thread; it must not wait for the cache.
   using Done = std::function<void(std::expected<Revision, CacheError>)>;
 
   /// Opens or creates the file. A file of a newer program opens read-only; a damaged one gives `damaged` and is left
@@ -100,15 +112,20 @@ class LocalCache {
   /// with the error, in which case nothing was written and the caller may ask again.
   void append(JournalEntry entry, Done done);
 
-  /// Replaces whole entries of a prefix in one transaction and drops its journal (demo fleet, restore, migrations).
+  /// Replaces everything stored under a prefix in one transaction: entries that are not named are removed, and its
+  /// journal is dropped with the edits that still wait for upload (demo fleet, computer-only fleet, "clear cache").
   /// Each value is a list of records in JSON form.
   void replaceAll(std::string prefix, std::map<std::string, std::vector<std::string>> records, Done done);
 
   /// Keeps a copy of bytes that could not be read, so that support can recover them. Equal bytes are kept once.
   void keepCorrupt(std::string key, std::string bytes, std::string reason);
 
-  /// Forgets that the records' edits up to `revision` wait for upload.
-  void markSent(std::string prefix, std::string suffix, Uuid id, Revision revision, Done done);
+  /// Forgets that the records' edits wait for upload, in one transaction. A journal row goes once each of its changes
+  /// is covered, so name the side entries ("_tasks_extra") too.
+  void markSent(std::string prefix, std::vector<SentRecord> records, Done done);
+  void markSent(std::string prefix, std::string suffix, Uuid id, Revision revision, Done done) {
+    markSent(std::move(prefix), {{std::move(suffix), id, revision}}, std::move(done));
+  }
 
   /// Folds the journal into the segments now; for tests, benchmarks and closing. Edits asked for meanwhile go in
   /// between.
@@ -136,7 +153,7 @@ class LocalCache {
 
  private:
   class Impl;
-  explicit LocalCache(std::unique_ptr<Impl> impl);
+  explicit LocalCache(std::unique_ptr<Impl> implementation);
   std::unique_ptr<Impl> impl_;
 };
 

@@ -1,0 +1,76 @@
+#include "store/local_cache.h"
+
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <fstream>
+
+#include "store/cache_testing.h"
+#include "store/preferences.h"
+
+namespace thalvorn {
+namespace {
+
+using namespace testing_tools;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+TEST(LocalCache, KeepsEditsInOrderOverRestartsAndFolds) {
+  const ScratchFolder folder;
+  const auto file = folder / "data/fleet/store.db";
+  {
+    const auto cache = opened(file);
+    EXPECT_EQ(append(*cache, {added(1, "Oil"), added(2, "Belts")}), 1);
+    EXPECT_EQ(append(*cache, {renamed(1, "Oil", "Engine oil"), added(3, "Anodes")}), 2);
+    EXPECT_EQ(append(*cache, {deleted(2, "Belts")}), 3);
+    EXPECT_THAT(entryOf(*cache), ElementsAre(record(1, "Engine oil"), record(3, "Anodes")));
+  }
+  {
+    const auto cache = opened(file);
+    EXPECT_THAT(entryOf(*cache), ElementsAre(record(1, "Engine oil"), record(3, "Anodes")));
+    EXPECT_EQ(fold(*cache), 3);
+    EXPECT_THAT(cache->load("user")->journal, IsEmpty());
+    EXPECT_THAT(cache->load("user")->unsent, SizeIs(3));
+    // Deleted and added again, a record stands at the end.
+    append(*cache, {deleted(1, "Engine oil")});
+    append(*cache, {added(4, "Filters")});
+    append(*cache, {added(1, "Engine oil")});
+  }
+  const auto cache = opened(file);
+  const auto expected = ElementsAre(record(3, "Anodes"), record(4, "Filters"), record(1, "Engine oil"));
+  EXPECT_THAT(entryOf(*cache), expected);
+  EXPECT_EQ(fold(*cache), 6);
+  EXPECT_THAT(entryOf(*cache), expected);
+  EXPECT_EQ(append(*cache, {added(5, "Liferaft")}), 7);
+  EXPECT_TRUE(cache->check().sound);
+  EXPECT_THAT(cache->prefixes(), ElementsAre("user"));
+}
+
+TEST(LocalCache, PreferencesAreSeenAtOnceAndAfterARestart) {
+  const ScratchFolder folder;
+  {
+    const auto cache = opened(folder / "store.db");
+    Preferences preferences(*cache);
+    preferences.setText(preference_keys::appearance, "dark");
+    preferences.setList(preference_keys::hiddenModules, {"marpol", "gmdss"});
+    preferences.setId("user_selectedVesselID", numbered(7));
+    preferences.setNumber("ratio", 0.1);
+    preferences.setFlag("onboardingComplete_7", true);
+    EXPECT_EQ(preferences.text(preference_keys::appearance), "dark");
+    preferences.remove(preference_keys::appearance);
+    EXPECT_EQ(preferences.value(preference_keys::appearance), std::nullopt);
+  }
+  const auto cache = opened(folder / "store.db");
+  const Preferences preferences(*cache);
+  EXPECT_EQ(preferences.text(preference_keys::appearance, "system"), "system");
+  EXPECT_THAT(preferences.list(preference_keys::hiddenModules), ElementsAre("marpol", "gmdss"));
+  EXPECT_EQ(preferences.id("user_selectedVesselID"), numbered(7));
+  EXPECT_EQ(preferences.number("ratio"), 0.1);
+  EXPECT_EQ(preferences.integer("ratio"), std::nullopt);
+  EXPECT_TRUE(preferences.flag("onboardingComplete_7"));
+}
+
+}  // namespace
+}  // namespace thalvorn
