@@ -1,0 +1,421 @@
+#include "store/app_view_model.h"
+
+#include <QCoroFuture>
+#include <QThreadPool>
+#include <algorithm>
+
+#include "store/list_loader.h"
+#include "store/logging.h"
+
+namespace thalvorn {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr std::size_t kUndoDepth = 50;
+constexpr milliseconds kPushDelay{2500};
+constexpr milliseconds kRetryDelay{5000};
+constexpr seconds kPeriodicSync{300};
+
+std::string markKey(std::string_view suffix, const Uuid& id) { return std::string(suffix) + ' ' + id.toString(); }
+
+std::string selectedVesselKey(const std::string& prefix) { return prefix + "_selectedVesselID"; }
+
+/// "“Engine coolant check” deleted", or "Service log deleted" for a record without a name.
+template <class T>
+std::string editLabel(const T& record, std::string_view done) {
+  std::string label = recordName(record);
+  if (label.empty()) {
+    label = RecordKind<T>::facts.singular;
+    label.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(label.front())));
+  } else {
+    label = "“" + label + "”";
+  }
+  return label + ' ' + std::string(done);
+}
+
+}  // namespace
+
+/// What a worker thread read for one prefix.
+struct AppViewModel::Loaded {
+  template <class List>
+  struct ListsOf;
+  template <class... T>
+  struct ListsOf<boost::mp11::mp_list<T...>> {
+    using type = std::tuple<std::vector<T>...>;
+  };
+  ListsOf<RecordTypes>::type lists;
+  std::unordered_map<std::string, Revision> dirty;
+  std::string problem;
+};
+
+AppViewModel::AppViewModel(LocalCache& cache, const Clock& clock, QObject* parent)
+    : QObject(parent), cache_(cache), clock_(clock) {
+  retry_timer_.setSingleShot(true);
+  retry_timer_.setInterval(kRetryDelay);
+  connect(&retry_timer_, &QTimer::timeout, this, &AppViewModel::retrySaving);
+  cloudPushTask.setSingleShot(true);
+  cloudPushTask.setInterval(kPushDelay);
+  connect(&cloudPushTask, &QTimer::timeout, this, [this] {
+    if (!sync_ || !is_authenticated_) return;
+    qCInfo(storeLog, "☁️ Auto-push after change");
+    sync_->push();
+  });
+  periodicSyncTask.setInterval(kPeriodicSync);
+  connect(&periodicSyncTask, &QTimer::timeout, this, [this] {
+    if (!sync_ || !is_authenticated_) return;
+    qCInfo(storeLog, "☁️ Periodic 5-min sync");
+    sync_->fullSync();
+  });
+}
+
+AppViewModel::~AppViewModel() {
+  // The writer thread answers to this object; after the flush nothing more can come.
+  cache_.flush();
+}
+
+std::string AppViewModel::displayName() const { return cache_.preference("user_display_name").value_or(std::string()); }
+
+void AppViewModel::setDisplayName(std::string name) {
+  if (name == displayName()) return;
+  cache_.setPreference("user_display_name", std::move(name));
+  Q_EMIT displayNameChanged();
+}
+
+std::vector<const Vessel*> AppViewModel::vesselsInOrder() const {
+  std::vector<const Vessel*> ordered;
+  for (const Vessel& vessel : vessels().records()) ordered.push_back(&vessel);
+  std::ranges::sort(ordered, [](const Vessel* a, const Vessel* b) {
+    return std::tie(a->sortOrder, a->name, a->id) < std::tie(b->sortOrder, b->name, b->id);
+  });
+  return ordered;
+}
+
+const Vessel* AppViewModel::selectedVessel() const {
+  return selected_vessel_ ? vessels().find(*selected_vessel_) : nullptr;
+}
+
+const VesselProfile* AppViewModel::profileOf(const Uuid& vesselID) const {
+  const auto profiles = vesselProfiles().records();
+  const auto found = std::ranges::find(profiles, vesselID, &VesselProfile::vesselID);
+  return found == profiles.end() ? nullptr : &*found;
+}
+
+// ---- loading
+// ----------------------------------------------------------------------------------------------------------
+
+AppViewModel::Loaded AppViewModel::decodeState(const LocalCache& cache, const std::string& prefix) {
+  Loaded loaded;
+  auto state = cache.load(prefix);
+  if (!state) {
+    loaded.problem = state.error().message;
+    return loaded;
+  }
+  forEachKind([&]<class T>(std::type_identity<T>) {
+    ListLoader<T> loader(prefix, [&](std::string key, std::string bytes, std::string reason) {
+      const_cast<LocalCache&>(cache).keepCorrupt(std::move(key), std::move(bytes), std::move(reason));
+    });
+    loader.readSegments(*state);
+    loader.replay(state->journal);
+    std::get<std::vector<T>>(loaded.lists) = loader.take();
+  });
+  if (prefix != demoPrefix && prefix != localPrefix) {
+    for (const auto* edits : {&state->unsent, &state->journal})
+      for (const JournalEntry& edit : *edits)
+        for (const EntryChange& change : edit.changes) loaded.dirty[markKey(change.suffix, change.id)] = edit.revision;
+  }
+  return loaded;
+}
+
+void AppViewModel::take(Loaded loaded, const std::string& prefix) {
+  prefix_ = prefix;
+  forEachKind([&]<class T>(std::type_identity<T>) {
+    mutableCollection<T>().reset(std::move(std::get<std::vector<T>>(loaded.lists)));
+  });
+  dirty_ = std::move(loaded.dirty);
+  undoable_.clear();
+  qCInfo(storeLog, "🔄 %zu vessels from key %s_vessels", vessels().size(), prefix.c_str());
+  if (!ismRecords().empty()) qCInfo(storeLog, "📂 ISM load: count=%zu", ismRecords().size());
+  if (!loaded.problem.empty()) qCWarning(storeLog, "❌ load failed: %s", loaded.problem.c_str());
+
+  const auto stored = cache_.preference(selectedVesselKey(prefix));
+  selected_vessel_ = stored ? Uuid::parse(*stored) : std::nullopt;
+  if (!selectedVessel()) {
+    const auto ordered = vesselsInOrder();
+    selected_vessel_ = ordered.empty() ? std::nullopt : std::optional(ordered.front()->id);
+  }
+  is_reloading_ = false;
+  Q_EMIT prefixChanged();
+  Q_EMIT selectedVesselIDChanged();
+  Q_EMIT isReloadingChanged();
+  Q_EMIT undoableChanged();
+  Q_EMIT reloaded();
+}
+
+QCoro::Task<void> AppViewModel::reloadForUser(std::string prefix) {
+  const int generation = ++reload_generation_;
+  qCInfo(storeLog, "🔄 reloadForUser — uid: %s", prefix.c_str());
+  is_reloading_ = true;
+  Q_EMIT isReloadingChanged();
+  const auto promise = std::make_shared<QPromise<std::shared_ptr<Loaded>>>();
+  QFuture<std::shared_ptr<Loaded>> future = promise->future();
+  QThreadPool::globalInstance()->start([cache = &cache_, prefix, promise] {
+    promise->start();
+    promise->addResult(std::make_shared<Loaded>(decodeState(*cache, prefix)));
+    promise->finish();
+  });
+  const std::shared_ptr<Loaded> loaded = co_await future;
+  if (generation != reload_generation_) co_return;
+  take(std::move(*loaded), prefix);
+}
+
+void AppViewModel::reloadNow(std::string prefix) {
+  ++reload_generation_;
+  take(decodeState(cache_, prefix), prefix);
+}
+
+void AppViewModel::clear() {
+  ++reload_generation_;
+  take(Loaded{}, {});
+}
+
+// ---- what is in view
+// ----------------------------------------------------------------------------------------------------
+
+void AppViewModel::setSelectedVesselID(std::optional<Uuid> id) {
+  if (id == selected_vessel_) return;
+  selected_vessel_ = id;
+  cache_.setPreference(selectedVesselKey(prefix_), id ? std::optional(id->toString()) : std::nullopt);
+  Q_EMIT selectedVesselIDChanged();
+}
+
+void AppViewModel::setSelectedFilter(FilterOption filter) {
+  if (filter == selected_filter_) return;
+  selected_filter_ = filter;
+  Q_EMIT selectedFilterChanged();
+}
+
+void AppViewModel::setSpotlightHighlightID(std::optional<Uuid> id) {
+  spotlight_highlight_ = id;
+  Q_EMIT spotlightHighlightIDChanged();
+}
+
+// ---- edits
+// --------------------------------------------------------------------------------------------------------------
+
+std::optional<AnyRecord> AppViewModel::currentOf(const AnyRecord& like) const {
+  return std::visit(
+      [&]<class T>(const T& record) -> std::optional<AnyRecord> {
+        const T* current = collection<T>().find(record.id);
+        return current ? std::optional<AnyRecord>(*current) : std::nullopt;
+      },
+      like);
+}
+
+Saving AppViewModel::apply(Edit edit) {
+  if (edit.empty()) return finishedSaving(Revision{0});
+  if (cache_.isReadOnly()) return refused(cache_.readOnlyReason());
+  if (prefix_.empty()) return refused("Open a fleet first.");
+
+  // A form works on a copy; what changed in the record meanwhile stays unless the form changed the same field.
+  for (RecordChange& change : edit.changes) {
+    std::string problem;
+    std::visit(
+        [&]<class T>(const T& record) {
+          const T* current = collection<T>().find(record.id);
+          if (change.before && !current) {
+            problem =
+                "This " + std::string(RecordKind<T>::facts.singular) + " was deleted meanwhile; nothing was changed.";
+          } else if (change.before && change.after) {
+            T merged = *current;
+            const T& after = std::get<T>(*change.after);
+            copyFields(after, merged, changedFields(std::get<T>(*change.before), after));
+            change.before = *current;
+            change.after = std::move(merged);
+          } else if (change.before) {
+            change.before = *current;
+          } else if (current) {
+            problem = "This " + std::string(RecordKind<T>::facts.singular) + " is there already; nothing was changed.";
+          }
+        },
+        change.either());
+    if (!problem.empty()) return refused(std::move(problem));
+  }
+  std::erase_if(edit.changes, [](const RecordChange& change) {
+    return change.before && change.after && *change.before == *change.after;
+  });
+  if (edit.empty()) return finishedSaving(Revision{0});
+
+  JournalEntry entry{.revision = 0, .prefix = prefix_, .at = now(), .label = edit.label, .changes = entryChanges(edit)};
+  applyInMemory(edit);
+  undoable_.push_back(edit);
+  if (undoable_.size() > kUndoDepth) undoable_.pop_front();
+  Saving saving = save(std::move(entry));
+  Q_EMIT edited(edit);
+  Q_EMIT undoableChanged();
+  schedulePush();
+  return saving;
+}
+
+void AppViewModel::applyInMemory(const Edit& edit) {
+  constexpr std::size_t kTellOneByOne = 32;
+  forEachKind([&]<class T>(std::type_identity<T>) {
+    std::vector<T> puts;
+    std::unordered_set<Uuid> removes;
+    for (const RecordChange& change : edit.changes) {
+      if (!std::holds_alternative<T>(change.either())) continue;
+      if (change.after) {
+        puts.push_back(std::get<T>(*change.after));
+      } else {
+        removes.insert(change.id());
+      }
+    }
+    if (puts.empty() && removes.empty()) return;
+    Collection<T>& records = mutableCollection<T>();
+    if (puts.size() + removes.size() > kTellOneByOne) {
+      records.applyMany(std::move(puts), removes);
+    } else {
+      for (T& record : puts) records.put(std::move(record));
+      for (const Uuid& id : removes) records.remove(id);
+    }
+    if constexpr (std::is_same_v<T, ISMRecord>) qCInfo(storeLog, "💾 ISM save: count=%zu", records.size());
+    if constexpr (std::is_same_v<T, Vessel>) {
+      if (!selectedVessel()) {
+        const auto ordered = vesselsInOrder();
+        setSelectedVesselID(ordered.empty() ? std::nullopt : std::optional(ordered.front()->id));
+      }
+    }
+  });
+}
+
+Saving AppViewModel::undo(const Uuid& editID) {
+  const auto found = std::ranges::find(undoable_, editID, &Edit::id);
+  if (found == undoable_.end()) return refused("This can no longer be undone.");
+  Edit inverse = inverseOf(*found, [this](const AnyRecord& like) { return currentOf(like); });
+  inverse.label = "Undone: " + found->label;
+  undoable_.erase(found);
+  return apply(std::move(inverse));
+}
+
+// ---- saving
+// -------------------------------------------------------------------------------------------------------------
+
+Saving AppViewModel::save(JournalEntry entry) {
+  auto promise = std::make_shared<QPromise<SaveResult>>();
+  promise->start();
+  Saving saving = promise->future();
+  pending_.push_back({std::move(entry), std::move(promise)});
+  Q_EMIT unsavedChanged();
+  saveNext();
+  return saving;
+}
+
+void AppViewModel::saveNext() {
+  // One at a time: when an edit cannot be saved, none behind it may get ahead of it.
+  if (saving_ || pending_.empty() || retry_timer_.isActive()) return;
+  saving_ = true;
+  cache_.append(pending_.front().entry, [this](std::expected<Revision, CacheError> result) {
+    QMetaObject::invokeMethod(this, [this, result = std::move(result)] { saved(result); }, Qt::QueuedConnection);
+  });
+}
+
+void AppViewModel::saved(std::expected<Revision, CacheError> result) {
+  saving_ = false;
+  if (!result) {
+    save_problem_ = result.error().message;
+    qCWarning(storeLog, "⚠️ not saved yet: %s", save_problem_.c_str());
+    retry_timer_.start();
+    Q_EMIT unsavedChanged();
+    return;
+  }
+  Pending done = std::move(pending_.front());
+  pending_.pop_front();
+  save_problem_.clear();
+  if (!staysOnThisComputer() && done.entry.prefix == prefix_)
+    for (const EntryChange& change : done.entry.changes) dirty_[markKey(change.suffix, change.id)] = *result;
+  done.promise->addResult(SaveResult(*result));
+  done.promise->finish();
+  Q_EMIT unsavedChanged();
+  saveNext();
+}
+
+void AppViewModel::retrySaving() {
+  retry_timer_.stop();
+  saveNext();
+}
+
+std::optional<Revision> AppViewModel::dirtyRevision(std::string_view suffix, const Uuid& id) const {
+  const auto mark = dirty_.find(markKey(suffix, id));
+  return mark == dirty_.end() ? std::nullopt : std::optional(mark->second);
+}
+
+void AppViewModel::schedulePush() {
+  if (is_authenticated_ && !staysOnThisComputer()) cloudPushTask.start();
+}
+
+// ---- one record of any kind
+// -----------------------------------------------------------------------------------------------
+
+template <class T>
+Saving AppViewModel::add(T record) {
+  if (record.id.isNil()) record.id = Uuid::random();
+  Edit edit{.label = editLabel(record, "added")};
+  edit.add(std::move(record));
+  return apply(std::move(edit));
+}
+
+template <class T>
+Saving AppViewModel::update(T record) {
+  const T* current = collection<T>().find(record.id);
+  if (!current)
+    return refused("This " + std::string(RecordKind<T>::facts.singular) +
+                   " was deleted meanwhile; nothing was changed.");
+  Edit edit{.label = editLabel(record, "changed")};
+  edit.replace(*current, std::move(record));
+  return apply(std::move(edit));
+}
+
+template <class T>
+Saving AppViewModel::put(T record) {
+  return collection<T>().find(record.id) ? update(std::move(record)) : add(std::move(record));
+}
+
+template <class T>
+Saving AppViewModel::remove(const Uuid& id) {
+  const T* current = collection<T>().find(id);
+  if (!current) return refused("There is no " + std::string(RecordKind<T>::facts.singular) + " " + id.toString() + ".");
+  Edit edit{.label = editLabel(*current, "deleted")};
+  edit.remove(*current);
+  return apply(std::move(edit));
+}
+
+#define THALVORN_INSTANTIATE(Type)                  \
+  template Saving AppViewModel::add<Type>(Type);    \
+  template Saving AppViewModel::update<Type>(Type); \
+  template Saving AppViewModel::put<Type>(Type);    \
+  template Saving AppViewModel::remove<Type>(const Uuid&)
+THALVORN_INSTANTIATE(Vessel);
+THALVORN_INSTANTIATE(MaintenanceTask);
+THALVORN_INSTANTIATE(ServiceLog);
+THALVORN_INSTANTIATE(ShipsLogEntry);
+THALVORN_INSTANTIATE(VesselProfile);
+THALVORN_INSTANTIATE(BunkeringRecord);
+THALVORN_INSTANTIATE(EquipmentItem);
+THALVORN_INSTANTIATE(SubscriptionAccount);
+THALVORN_INSTANTIATE(ShipDocument);
+THALVORN_INSTANTIATE(ShipContact);
+THALVORN_INSTANTIATE(VoyagePlan);
+THALVORN_INSTANTIATE(SavedWaypoint);
+THALVORN_INSTANTIATE(YardPeriod);
+THALVORN_INSTANTIATE(CrewBoardPost);
+THALVORN_INSTANTIATE(ISMRecord);
+THALVORN_INSTANTIATE(MarpolRecord);
+THALVORN_INSTANTIATE(GMDSSTestLog);
+THALVORN_INSTANTIATE(CrewMember);
+THALVORN_INSTANTIATE(GuestProfile);
+THALVORN_INSTANTIATE(CalendarEvent);
+THALVORN_INSTANTIATE(AccountMember);
+#undef THALVORN_INSTANTIATE
+
+}  // namespace thalvorn

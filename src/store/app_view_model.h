@@ -1,0 +1,246 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <deque>
+#include <expected>
+#include <memory>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <unordered_map>
+
+#include <QCoroTask>
+
+#include "base/calendar.h"
+#include "store/collection.h"
+#include "store/edit.h"
+#include "store/local_cache.h"
+#include "store/record_kind.h"
+#include "store/saving.h"
+
+namespace thalvorn {
+
+struct CompletionForm;
+struct MeterAdjustment;
+struct MeterReading;
+
+/// Which tasks of the selected vessel a list shows, by their status.
+enum class FilterOption : std::uint8_t { all, overdue, dueSoon, onTrack };
+
+template <>
+struct EnumTexts<FilterOption> {
+  static constexpr std::array<EnumText, 4> table{
+      {{"all", "All"}, {"overdue", "Overdue"}, {"dueSoon", "Due Soon"}, {"onTrack", "On Track"}}};
+};
+
+/// Uploads changed records; asked for by the store, done by the sync.
+class SyncTrigger {
+ public:
+  virtual ~SyncTrigger() = default;
+  virtual void push() = 0;
+  virtual void fullSync() = 0;
+};
+
+/// The single in-memory store of everything the user works on. Screens read its collections and call its operations;
+/// every change goes through `apply`. Lives on the view layer's thread.
+class AppViewModel : public QObject {
+  Q_OBJECT
+
+ public:
+  /// The prefixes of the two fleets that never leave this computer.
+  static constexpr std::string_view demoPrefix = "demo";
+  static constexpr std::string_view localPrefix = "local";
+
+  AppViewModel(LocalCache& cache, const Clock& clock, QObject* parent = nullptr);
+  ~AppViewModel() override;
+
+  // ---- state ----
+  bool isReloading() const { return is_reloading_; }
+  int vesselPhotoCacheVersion() const { return vessel_photo_cache_version_; }
+  template <class T>
+  const Collection<T>& collection() const {
+    return std::get<Collection<T>>(collections_);
+  }
+  const Collection<Vessel>& vessels() const { return collection<Vessel>(); }
+  const Collection<MaintenanceTask>& tasks() const { return collection<MaintenanceTask>(); }
+  const Collection<ServiceLog>& logs() const { return collection<ServiceLog>(); }
+  const Collection<ShipsLogEntry>& shipsLog() const { return collection<ShipsLogEntry>(); }
+  const Collection<VesselProfile>& vesselProfiles() const { return collection<VesselProfile>(); }
+  const Collection<BunkeringRecord>& bunkeringRecords() const { return collection<BunkeringRecord>(); }
+  const Collection<EquipmentItem>& equipment() const { return collection<EquipmentItem>(); }
+  const Collection<SubscriptionAccount>& subscriptions() const { return collection<SubscriptionAccount>(); }
+  const Collection<ShipDocument>& documents() const { return collection<ShipDocument>(); }
+  const Collection<ShipContact>& contacts() const { return collection<ShipContact>(); }
+  const Collection<VoyagePlan>& voyagePlans() const { return collection<VoyagePlan>(); }
+  const Collection<SavedWaypoint>& savedWaypoints() const { return collection<SavedWaypoint>(); }
+  const Collection<YardPeriod>& yardPeriods() const { return collection<YardPeriod>(); }
+  const Collection<CrewBoardPost>& crewBoardPosts() const { return collection<CrewBoardPost>(); }
+  const Collection<ISMRecord>& ismRecords() const { return collection<ISMRecord>(); }
+  const Collection<MarpolRecord>& marpolRecords() const { return collection<MarpolRecord>(); }
+  const Collection<GMDSSTestLog>& gmdssTestLogs() const { return collection<GMDSSTestLog>(); }
+  const Collection<CrewMember>& crewMembers() const { return collection<CrewMember>(); }
+  const Collection<GuestProfile>& guestProfiles() const { return collection<GuestProfile>(); }
+  const Collection<CalendarEvent>& calendarEvents() const { return collection<CalendarEvent>(); }
+  const Collection<AccountMember>& accountMembers() const { return collection<AccountMember>(); }
+
+  const std::string& accountID() const { return account_id_; }
+  std::string displayName() const;
+  std::optional<Uuid> selectedVesselID() const { return selected_vessel_; }
+  FilterOption selectedFilter() const { return selected_filter_; }
+  std::optional<Uuid> spotlightHighlightID() const { return spotlight_highlight_; }
+  bool isAuthenticated() const { return is_authenticated_; }
+
+  /// The prefix of the cache keys of whoever works now: a user's id, `demoPrefix`, `localPrefix`; empty before a
+  /// choice.
+  const std::string& prefix() const { return prefix_; }
+  bool isDemo() const { return prefix_ == demoPrefix; }
+  /// True for the two fleets that are never uploaded.
+  bool staysOnThisComputer() const { return prefix_ == demoPrefix || prefix_ == localPrefix; }
+
+  LocalCache& cache() const { return cache_; }
+  const Clock& clock() const { return clock_; }
+  Timestamp now() const { return clock_.now(); }
+  Calendar calendar() const { return clock_.calendar(); }
+
+  /// The vessels as lists show them: by `sortOrder`, then name.
+  std::vector<const Vessel*> vesselsInOrder() const;
+  const Vessel* selectedVessel() const;
+  const VesselProfile* profileOf(const Uuid& vesselID) const;
+
+  // ---- start, choice of user
+  // -----------------------------------------------------------------------------------------
+  /// Loads every collection of the user (or of the demo or computer-only fleet) from the cache, off this thread, and
+  /// restores the selected vessel. A later call supersedes an earlier one that is still loading.
+  QCoro::Task<void> reloadForUser(std::string prefix);
+  /// The same, finished before it returns; for the command line.
+  void reloadNow(std::string prefix);
+  /// Forgets what is in memory and shows nobody's records.
+  void clear();
+
+  void setSelectedVesselID(std::optional<Uuid> id);
+  void setSelectedFilter(FilterOption filter);
+  void setSpotlightHighlightID(std::optional<Uuid> id);
+  void setDisplayName(std::string name);
+
+  // ---- operations
+  // ----------------------------------------------------------------------------------------------------
+  /// Applies an edit in memory at once and saves it; the one way in for every change. Refuses without change when the
+  /// file is read-only or a record to be changed is gone.
+  Saving apply(Edit edit);
+
+  /// Adds the record (a nil `id` gets a new one), replaces the one with its `id`, or deletes by `id`.
+  template <class T>
+  Saving add(T record);
+  template <class T>
+  Saving update(T record);
+  template <class T>
+  Saving put(T record);
+  template <class T>
+  Saving remove(const Uuid& id);
+
+  /// "Mark complete & log": the log, the task and the vessel in one edit.
+  Saving completeTask(const Uuid& taskID, const CompletionForm& form);
+  Saving snoozeTask(const Uuid& taskID, Timestamp until);
+  Saving unsnoozeTask(const Uuid& taskID);
+  /// Raises hour meters; lower values are ignored. Hours.
+  Saving updateMeters(const Uuid& vesselID, const std::vector<MeterReading>& readings);
+  /// Puts a mistyped meter right, or notes that it was replaced, which moves the tasks that read it along. The reason
+  /// goes into the vessel's meter history; an empty author means the user.
+  Saving correctMeter(const Uuid& vesselID, MeterChange change, MeterAdjustment adjustment);
+  Saving correctLog(const ServiceLog& corrected, std::string reason);
+  /// Deletes the vessel and everything that hangs on it.
+  Saving removeVessel(const Uuid& vesselID);
+  /// How many records of which kind hang on a vessel, e.g. "12 tasks"; empty kinds are left out.
+  std::vector<std::string> whatHangsOn(const Uuid& vesselID) const;
+  /// Gives the vessels their positions in this order.
+  Saving reorderVessels(const std::vector<Uuid>& order);
+
+  /// The edits that can be taken back, newest last.
+  const std::deque<Edit>& undoable() const { return undoable_; }
+  /// Takes an edit back as far as nobody changed its records since.
+  Saving undo(const Uuid& editID);
+
+  /// Fills the demo fleet's entries, replacing what was there. Finishes when they are on disk; reload afterwards.
+  Saving fillDemoFleet();
+
+  // ---- saving
+  // --------------------------------------------------------------------------------------------------------
+  /// Edits on the screen that are not on disk yet.
+  int unsavedCount() const { return static_cast<int>(pending_.size()); }
+  /// Why the oldest of them could not be saved; empty while all is well.
+  const std::string& saveProblem() const { return save_problem_; }
+  /// Tries again now.
+  void retrySaving();
+  /// The newest unsent revision of a record; empty when it is uploaded or never will be.
+  std::optional<Revision> dirtyRevision(std::string_view suffix, const Uuid& id) const;
+  int dirtyCount() const { return static_cast<int>(dirty_.size()); }
+
+  void setSyncTrigger(SyncTrigger* trigger) { sync_ = trigger; }
+
+ Q_SIGNALS:
+  void isReloadingChanged();
+  void reloaded();
+  void prefixChanged();
+  void selectedVesselIDChanged();
+  void selectedFilterChanged();
+  void spotlightHighlightIDChanged();
+  void displayNameChanged();
+  void unsavedChanged();
+  /// After every edit has been applied in memory.
+  void edited(const thalvorn::Edit& edit);
+  void undoableChanged();
+  void vesselPhotoCacheVersionChanged();
+
+ private:
+  template <class List>
+  struct CollectionsOf;
+  template <class... T>
+  struct CollectionsOf<boost::mp11::mp_list<T...>> {
+    using type = std::tuple<Collection<T>...>;
+  };
+  using Collections = CollectionsOf<RecordTypes>::type;
+  struct Loaded;
+  struct Pending {
+    JournalEntry entry;
+    std::shared_ptr<QPromise<SaveResult>> promise;
+  };
+
+  static Loaded decodeState(const LocalCache& cache, const std::string& prefix);
+  void take(Loaded loaded, const std::string& prefix);
+  void applyInMemory(const Edit& edit);
+  std::optional<AnyRecord> currentOf(const AnyRecord& like) const;
+  Saving save(JournalEntry entry);
+  void saveNext();
+  void saved(std::expected<Revision, CacheError> result);
+  void schedulePush();
+  template <class T>
+  Collection<T>& mutableCollection() {
+    return std::get<Collection<T>>(collections_);
+  }
+
+  LocalCache& cache_;
+  const Clock& clock_;
+  Collections collections_;
+  std::string prefix_;
+  std::string account_id_;
+  bool is_reloading_ = false;
+  bool is_authenticated_ = false;
+  int vessel_photo_cache_version_ = 0;
+  std::optional<Uuid> selected_vessel_;
+  FilterOption selected_filter_ = FilterOption::all;
+  std::optional<Uuid> spotlight_highlight_;
+
+  std::deque<Pending> pending_;
+  bool saving_ = false;
+  std::string save_problem_;
+  QTimer retry_timer_;
+  std::deque<Edit> undoable_;
+  std::unordered_map<std::string, Revision> dirty_;  ///< by suffix + id
+  int reload_generation_ = 0;
+  SyncTrigger* sync_ = nullptr;
+  QTimer cloudPushTask;     ///< the pending debounced upload after a change
+  QTimer periodicSyncTask;  ///< the five-minute sync loop
+};
+
+}  // namespace thalvorn

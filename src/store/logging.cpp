@@ -1,0 +1,7 @@
+#include "store/logging.h"
+
+namespace thalvorn {
+
+Q_LOGGING_CATEGORY(storeLog, "thalvorn.store", QtInfoMsg)
+
+}  // namespace thalvorn
