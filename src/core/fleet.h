@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <ranges>
 #include <span>
 #include <vector>
 
@@ -36,6 +37,11 @@ class Fleet {
 
   /// The meters of a vessel; all zero when the fleet has no such vessel.
   const Meters& meters(const Uuid& vesselID) const { return slots_[slotOf(vesselID)]; }
+
+  /// The meters of every vessel, in no particular order.
+  auto all() const {
+    return slots_ | std::views::filter([](const Meters& meters) { return meters.vessel != nullptr; });
+  }
 
   /// Makes known how many hours a day a meter runs on average; what is not above 0 is not taken.
   void setHoursPerDay(const Uuid& vesselID, HourSource source, double hoursPerDay);

@@ -1,11 +1,11 @@
 #include "core/task_board.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <tuple>
 
 #include "base/search_text.h"
+#include "core/meter_pace.h"
 #include "core/task_repetition.h"
 
 namespace thalvorn {
@@ -122,10 +122,8 @@ class TitleOrder {
 std::optional<Timestamp> dueMoment(const MaintenanceTask& task, const Fleet::Meters& meters, Timestamp now) {
   std::optional<Timestamp> due = task.dueDate;
   if (task.dueAtEngineHours) {
-    constexpr double daySeconds = 86400;
-    constexpr double farOff = 1e11;  // some three thousand years
-    const double days = (*task.dueAtEngineHours - meters.reading(task.hourSource)) / meters.pace(task.hourSource);
-    const auto reached = now + std::chrono::seconds(std::llround(std::clamp(days * daySeconds, -farOff, farOff)));
+    const Timestamp reached =
+        projectedDate(*task.dueAtEngineHours, meters.reading(task.hourSource), meters.pace(task.hourSource), now);
     if (!due || reached < *due) due = reached;
   }
   return due;
