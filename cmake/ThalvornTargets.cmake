@@ -27,7 +27,7 @@ endif()
 add_library(thalvorn_flags INTERFACE)
 target_include_directories(thalvorn_flags INTERFACE "${CMAKE_SOURCE_DIR}/src")
 target_compile_options(thalvorn_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
-  -Wextra-semi -Wimplicit-fallthrough -Werror)
+  -Wextra-semi -Wimplicit-fallthrough -Wno-missing-designated-field-initializers -Werror)
 target_compile_definitions(thalvorn_flags INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_URL_CAST_FROM_STRING
   QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_DISABLE_DEPRECATED_BEFORE=0x060400 THALVORN_VERSION="${PROJECT_VERSION}")
 target_link_options(thalvorn_flags INTERFACE -fuse-ld=lld)
