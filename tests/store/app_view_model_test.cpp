@@ -5,6 +5,8 @@
 #include <QCoroFuture>
 #include <QTemporaryDir>
 
+#include <SQLiteCpp/SQLiteCpp.h>
+
 #include "store/testing.h"
 
 namespace thalvorn {
@@ -38,6 +40,10 @@ class Store : public ::testing::Test {
     return task;
   }
 
+  std::expected<Revision, CacheError> fold() {
+    return waitForDone([&](LocalCache::Done done) { cache->foldNow(std::move(done)); });
+  }
+
   QTemporaryDir folder;
   FixedClock clock{*parseTimestamp("2026-11-21T09:40:00Z")};
   std::unique_ptr<LocalCache> cache;
@@ -61,8 +67,7 @@ TEST_F(Store, FindsEverythingAgainAfterReopening) {
     ASSERT_EQ(view_model->tasks().size(), 1U);
     EXPECT_EQ(view_model->tasks()[0], task);
     EXPECT_EQ(view_model->selectedVesselID(), vessel.id);
-    cache->foldNow({});
-    cache->flush();
+    ASSERT_TRUE(fold());
   }
   // The coded form is without the three fields that travel beside it.
   const auto state = cache->load("local");
@@ -129,8 +134,10 @@ TEST_F(Store, RefusesAnEditOfADeletedRecordWhole) {
 
 TEST_F(Store, ACorruptEntryEmptiesItsCollectionAloneAndIsKept) {
   const Vessel vessel = addVessel("Meridian");
-  std::map<std::string, std::vector<std::string>> lists{{"_vessels", {toJson(vessel)}}, {"_tasks", {"{\"title\":tru"}}};
-  waitForDone([&](LocalCache::Done done) { cache->replaceAll("local", lists, std::move(done)); });
+  addTask(vessel, "Damaged soon");
+  ASSERT_TRUE(fold());
+  SQLite::Database(cache->file().string(), SQLite::OPEN_READWRITE)
+      .exec("UPDATE segment SET json = '[{' WHERE suffix = '_tasks'");
   MessageCatcher messages;
   view_model->reloadNow("local");
   EXPECT_EQ(view_model->vessels().size(), 1U);
@@ -138,7 +145,7 @@ TEST_F(Store, ACorruptEntryEmptiesItsCollectionAloneAndIsKept) {
   EXPECT_THAT(messages.text(), HasSubstr("❌ decode failed for _tasks, key=local_tasks, bytes="));
   // New tasks are found again although the damaged bytes are still there.
   const MaintenanceTask task = addTask(vessel, "New");
-  cache->foldNow({});
+  ASSERT_TRUE(fold());
   open();
   ASSERT_EQ(view_model->tasks().size(), 1U);
   EXPECT_EQ(view_model->tasks()[0].id, task.id);
