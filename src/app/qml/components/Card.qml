@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import Thalvorn
 
-// A surface with an optional heading and a link at its end. Content stacks in a column.
+// A surface with an optional heading and a link at its end. Content stacks in a column from the top; with `stretch` the
+// column takes the card's whole height, for a list inside.
 Rectangle {
     id: root
 
@@ -10,6 +11,7 @@ Rectangle {
     property string note
     property string icon
     property string linkText
+    property bool stretch: false
     property int padding: Theme.space4
     property int spacing: Theme.space3
     default property alias content: column.data
@@ -26,8 +28,10 @@ Rectangle {
 
     ColumnLayout {
         id: column
-        anchors.fill: parent
-        anchors.margins: root.padding
+        x: root.padding
+        y: root.padding
+        width: root.width - root.padding * 2
+        height: root.stretch ? root.height - root.padding * 2 : implicitHeight
         spacing: root.spacing
 
         RowLayout {

@@ -13,6 +13,8 @@ ColumnLayout {
 
     spacing: 1
     Layout.fillWidth: true
+    Layout.preferredWidth: 100
+    Layout.alignment: Qt.AlignTop
     Accessible.role: Accessible.StaticText
     Accessible.name: label + ": " + value
 

@@ -54,6 +54,7 @@ FieldFrame {
         Accessible.name: root.label + (root.unit ? ", " + root.unit : "") + (root.required ? ", required" : "")
         Accessible.description: root.message || root.hint || root.placeholder
         onTextEdited: root.edited(text)
+        onTextChanged: if (!activeFocus) cursorPosition = 0
         onAccepted: root.accepted()
         onEditingFinished: root.finished()
         onActiveFocusChanged: if (activeFocus && (focusReason === Qt.TabFocusReason || focusReason === Qt.BacktabFocusReason)) selectAll()

@@ -130,6 +130,25 @@ Page {
                 }
             }
 
+            Card {
+                title: "A record’s form"
+                note: form.dirty ? "· changed" : "· as stored"
+                Layout.fillWidth: true
+                SampleVesselForm { id: form }
+                FieldRow {
+                    Field { form: form; name: "name" }
+                    Field { form: form; name: "type" }
+                    Field { form: form; name: "lengthFeet" }
+                    Field { form: form; name: "engineHoursUpdatedAt"; label: "Read on" }
+                }
+                FieldRow {
+                    Field { form: form; name: "numberOfEngines" }
+                    Field { form: form; name: "engineHours" }
+                    Field { form: form; name: "hasGenerator"; Layout.alignment: Qt.AlignBottom }
+                    Field { form: form; name: "notes"; rows: 2 }
+                }
+            }
+
             ErrorBanner { title: "The disk is full"; text: "Your last change is kept here and is saved as soon as there is room. Free some space on this computer."; actionText: "Try again"; Layout.fillWidth: true }
             ErrorBanner { tone: "soon"; text: "This store was written by a newer program and is opened for reading only."; Layout.fillWidth: true }
 

@@ -9,6 +9,7 @@ T.MenuBar {
     implicitHeight: Theme.menuBarHeight
     implicitWidth: contentItem.implicitWidth
     leftPadding: Theme.space1
+    focusPolicy: Qt.NoFocus
     Accessible.role: Accessible.MenuBar
 
     delegate: T.MenuBarItem {
@@ -16,6 +17,7 @@ T.MenuBar {
         implicitWidth: label.implicitWidth + 20
         implicitHeight: Theme.menuBarHeight
         hoverEnabled: true
+        focusPolicy: Qt.NoFocus
         Accessible.role: Accessible.MenuItem
         Accessible.name: label.plain
         contentItem: Text {
