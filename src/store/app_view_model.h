@@ -13,6 +13,7 @@
 #include <QCoroTask>
 
 #include "base/calendar.h"
+#include "core/task_board.h"
 #include "store/collection.h"
 #include "store/edit.h"
 #include "store/local_cache.h"
@@ -24,15 +25,6 @@ namespace thalvorn {
 struct CompletionForm;
 struct MeterAdjustment;
 struct MeterReading;
-
-/// Which tasks of the selected vessel a list shows, by their status.
-enum class FilterOption : std::uint8_t { all, overdue, dueSoon, onTrack };
-
-template <>
-struct EnumTexts<FilterOption> {
-  static constexpr std::array<EnumText, 4> table{
-      {{"all", "All"}, {"overdue", "Overdue"}, {"dueSoon", "Due Soon"}, {"onTrack", "On Track"}}};
-};
 
 /// Uploads changed records; asked for by the store, done by the sync.
 class SyncTrigger {
