@@ -32,13 +32,16 @@ std::optional<NextDue> nextDue(const MaintenanceTask& task, Timestamp completedD
   return next;
 }
 
+std::string_view completionDateProblem(Timestamp completedDate, Timestamp now, const Calendar& calendar) {
+  if (completedDate <= now || calendar.date(completedDate) == calendar.date(now)) return {};
+  return "The completion date is in the future. Enter the day on which the work was done.";
+}
+
 std::expected<Completion, CompletionRefusal> completeTask(MaintenanceTask task, const Vessel& vessel,
                                                           const CompletionForm& form, Timestamp now,
                                                           const Calendar& calendar) {
   if (task.isCompleted) return std::unexpected(CompletionRefusal::alreadyCompleted);
   if (task.vesselID != vessel.id) return std::unexpected(CompletionRefusal::otherVessel);
-  if (form.completedDate > now && calendar.date(form.completedDate) != calendar.date(now))
-    return std::unexpected(CompletionRefusal::inTheFuture);
 
   RaisedMeters raised = raiseMeters(vessel, form.readings, now);
   ServiceLog log{.id = form.logID,

@@ -36,19 +36,21 @@ struct Completion {
 };
 
 /// Why a task cannot be completed.
-enum class CompletionRefusal : std::uint8_t { alreadyCompleted, inTheFuture, otherVessel };
+enum class CompletionRefusal : std::uint8_t { alreadyCompleted, otherVessel };
 
 template <>
 struct EnumTexts<CompletionRefusal> {
-  static constexpr std::array<EnumText, 3> table{
+  static constexpr std::array<EnumText, 2> table{
       {{"alreadyCompleted", "This task is already completed. Its record is in the service history."},
-       {"inTheFuture", "The completion date is in the future. Enter the day on which the work was done."},
        {"otherVessel", "This task belongs to another vessel."}}};
 };
 
+/// What a form says of a completion date after today; empty when it is fine. Scripts and imports may date work as they
+/// like.
+std::string_view completionDateProblem(Timestamp completedDate, Timestamp now, const Calendar& calendar);
+
 /// Completes a task on the vessel's meters: the meters rise to the readings, a service log is written, and the task
-/// moves on by its intervals or, when it does not repeat, is done. A snooze ends. The work may be dated until the end
-/// of today.
+/// moves on by its intervals or, when it does not repeat, is done. A snooze ends.
 std::expected<Completion, CompletionRefusal> completeTask(MaintenanceTask task, const Vessel& vessel,
                                                           const CompletionForm& form, Timestamp now,
                                                           const Calendar& calendar);

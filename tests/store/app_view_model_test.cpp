@@ -7,6 +7,8 @@
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include "core/meters.h"
+#include "core/task_completion.h"
 #include "store/testing.h"
 
 namespace thalvorn {
@@ -149,6 +151,55 @@ TEST_F(Store, ACorruptEntryEmptiesItsCollectionAloneAndIsKept) {
   open();
   ASSERT_EQ(view_model->tasks().size(), 1U);
   EXPECT_EQ(view_model->tasks()[0].id, task.id);
+}
+
+TEST_F(Store, CompletingIsOneEditOfThreeRecordsThatUndoTakesBackWhole) {
+  const Vessel vessel = addVessel("Meridian", 4812.4);
+  MaintenanceTask task = addTask(vessel, "Impeller");
+  task.dueAtEngineHours = 4818;
+  task.recurringEngineHours = 500;
+  ASSERT_TRUE(waitFor(view_model->update(task)));
+
+  CompletionForm form{
+      .completedDate = clock.now(), .technicianNotes = "Replaced", .readings = {{HourSource::engine, 4812.9}}};
+  ASSERT_TRUE(waitFor(view_model->completeTask(task.id, form)));
+  open();
+  ASSERT_EQ(view_model->logs().size(), 1U);
+  EXPECT_EQ(view_model->logs()[0].engineHoursAtService, 4812.9);
+  EXPECT_EQ(view_model->tasks()[0].dueAtEngineHours, 5312.9);
+  EXPECT_EQ(view_model->vessels()[0].engineHours, 4812.9);
+
+  ServiceLog corrected = view_model->logs()[0];
+  corrected.technicianNotes = "Replaced, cover polished";
+  EXPECT_FALSE(waitFor(view_model->correctLog(corrected, "")));
+  ASSERT_TRUE(waitFor(view_model->correctLog(corrected, "Forgot the cover")));
+  open();
+  ASSERT_EQ(view_model->logs()[0].corrections.size(), 1U);
+  EXPECT_EQ(view_model->logs()[0].corrections[0].before, "Replaced");
+
+  EXPECT_FALSE(waitFor(view_model->completeTask(task.id, form)));  // the same form sent twice
+  form.logID = Uuid::random();
+  ASSERT_TRUE(waitFor(view_model->completeTask(task.id, form)));
+  const Uuid completion = view_model->undoable().back().id;
+  ASSERT_TRUE(waitFor(view_model->undo(completion)));
+  EXPECT_EQ(view_model->logs().size(), 1U);
+  EXPECT_EQ(view_model->tasks()[0].dueAtEngineHours, 5312.9);
+}
+
+TEST_F(Store, AReplacedMeterTakesItsTasksAlong) {
+  const Vessel vessel = addVessel("Meridian", 4812);
+  MaintenanceTask task = addTask(vessel, "Impeller");
+  task.dueAtEngineHours = 4900;
+  ASSERT_TRUE(waitFor(view_model->update(task)));
+  ASSERT_TRUE(waitFor(view_model->updateMeters(vessel.id, {{HourSource::engine, 4700}})));
+  EXPECT_EQ(view_model->vessels()[0].engineHours, 4812);
+  MeterAdjustment adjustment{.source = HourSource::engine, .hours = 0, .reason = "New panel"};
+  ASSERT_TRUE(waitFor(view_model->correctMeter(vessel.id, MeterChange::replaced, adjustment)));
+  open();
+  EXPECT_EQ(view_model->vessels()[0].engineHours, 0);
+  ASSERT_EQ(view_model->vessels()[0].meterHistory.size(), 1U);
+  EXPECT_EQ(view_model->vessels()[0].meterHistory[0].reason, "New panel");
+  EXPECT_EQ(view_model->tasks()[0].dueAtEngineHours, 88);
 }
 
 TEST_F(Store, TellsListenersWhichFieldsChanged) {
