@@ -78,3 +78,19 @@ function(thalvorn_test name)
   set_tests_properties(${name} PROPERTIES TIMEOUT 600
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_QUICK_BACKEND=software;TZ=Europe/Rome;LC_ALL=C.UTF-8")
 endfunction()
+
+# thalvorn_embed(<target> <file> <variable>): the text of a file as `extern const std::string_view thalvorn::<variable>`
+# in the target, so that the program needs no file beside it.
+function(thalvorn_embed target file variable)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
+  file(READ "${file}" text)
+  set(unit "${CMAKE_CURRENT_BINARY_DIR}/embedded/${variable}.cpp")
+  file(GENERATE OUTPUT "${unit}" CONTENT "#include <string_view>
+
+namespace thalvorn {
+extern const std::string_view ${variable};
+const std::string_view ${variable} = R\"embedded(${text})embedded\";
+}  // namespace thalvorn
+")
+  target_sources(${target} PRIVATE "${unit}")
+endfunction()

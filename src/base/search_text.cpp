@@ -92,6 +92,10 @@ std::string foldText(std::string_view text) {
   return folded;
 }
 
+bool equalIgnoringCase(std::string_view a, std::string_view b) {
+  return std::ranges::equal(a, b, [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
+}
+
 SearchWords::SearchWords(std::string_view query) {
   constexpr std::string_view blanks = " \t\r\n";
   const std::string folded = foldText(query);

@@ -15,6 +15,9 @@ std::string foldText(std::string_view text);
 /// Appends `foldText(text)` to `out`.
 void appendFolded(std::string& out, std::string_view text);
 
+/// Whether two texts are the same but for the case of ASCII letters, as names in files and commands are compared.
+bool equalIgnoringCase(std::string_view a, std::string_view b);
+
 /// The words of a search field. A record matches when every word occurs somewhere in its texts.
 class SearchWords {
  public:

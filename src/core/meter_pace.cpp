@@ -57,8 +57,9 @@ void learnPaces(Fleet& fleet, std::span<const MaintenanceTask> tasks, std::span<
     VesselReadings& known = readings[meters.vesselID];
     for (const HourSource source : meters.vessel->meters()) {
       const auto at = static_cast<std::size_t>(source);
-      known.setByHand[at] = lastSetByHand(*meters.vessel, source);
-      if (known.setByHand[at]) known.byMeter[at].push_back(*known.setByHand[at]);
+      const auto setByHand = lastSetByHand(*meters.vessel, source);
+      if (setByHand) known.byMeter[at].push_back(*setByHand);
+      known.setByHand[at] = setByHand;
       known.byMeter[at].push_back({meters.vessel->engineHoursUpdatedAt.value_or(now), meters.reading(source)});
     }
   }

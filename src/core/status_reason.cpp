@@ -34,12 +34,8 @@ std::string hoursAway(double remaining) {
 }
 
 std::string everyText(const MaintenanceTask& task) {
-  const auto days = repeatDays(task);
-  const auto hours = repeatHours(task);
-  if (days && hours) return fmt::format("every {} days or {} h", *days, formatQuantity(*hours, 1));
-  if (days) return *days == 1 ? "every day" : fmt::format("every {} days", *days);
-  if (hours) return fmt::format("every {} h", formatQuantity(*hours, 1));
-  return {};
+  const std::string interval = intervalText(repeatDays(task), repeatHours(task));
+  return interval.empty() ? interval : "every " + interval;
 }
 
 }  // namespace

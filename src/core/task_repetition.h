@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "core/maintenance_task.h"
 
@@ -23,6 +24,9 @@ inline std::optional<double> repeatHours(const MaintenanceTask& task) {
     return task.recurringEngineHours;
   return std::nullopt;
 }
+
+/// "365 days", "250 h", "365 days or 250 h"; empty without any interval.
+std::string intervalText(const std::optional<std::int64_t>& days, const std::optional<double>& hours);
 
 inline bool repeats(const MaintenanceTask& task) { return repeatDays(task) || repeatHours(task); }
 

@@ -1,6 +1,5 @@
 #include "core/meters.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -16,8 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using namespace thalvorn::testing;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 constexpr auto kDay = 24h;
 const Timestamp kNow = at("2026-06-15T12:00:00Z");

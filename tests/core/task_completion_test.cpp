@@ -95,37 +95,37 @@ TEST(Completion, OnlyPlannedMaintenanceWithAnIntervalAboveZeroRepeats) {
     TriggerType trigger;
     std::optional<std::int64_t> days;
     std::optional<double> hours;
-    bool hasDate, hasHours;
     std::optional<NextDue> next;
+    bool hasDate, hasHours;
   } cases[] = {
-      {"no interval", TaskKind::plannedMaintenance, TriggerType::date, {}, {}, true, false, {}},
-      {"zero", TaskKind::plannedMaintenance, TriggerType::both, 0, 0, true, true, {}},
-      {"negative", TaskKind::plannedMaintenance, TriggerType::both, -5, -5, true, true, {}},
-      {"squawk", TaskKind::deficiencySquawk, TriggerType::both, 30, 100, true, true, {}},
-      {"warranty", TaskKind::warranty, TriggerType::date, 30, {}, true, false, {}},
-      {"days", TaskKind::plannedMaintenance, TriggerType::date, 30, {}, true, false, NextDue{kNow + 30 * kDay, {}}},
-      {"hours", TaskKind::plannedMaintenance, TriggerType::engineHours, {}, 100, false, true, NextDue{{}, 1100}},
-      {"both", TaskKind::plannedMaintenance, TriggerType::both, 30, 100, true, true, NextDue{kNow + 30 * kDay, 1100}},
-      {"both, never dated", TaskKind::plannedMaintenance, TriggerType::both, 30, 100, false, true,
-       NextDue{kNow + 30 * kDay, 1100}},
+      {"no interval", TaskKind::plannedMaintenance, TriggerType::date, {}, {}, {}, true, false},
+      {"zero", TaskKind::plannedMaintenance, TriggerType::both, 0, 0, {}, true, true},
+      {"negative", TaskKind::plannedMaintenance, TriggerType::both, -5, -5, {}, true, true},
+      {"squawk", TaskKind::deficiencySquawk, TriggerType::both, 30, 100, {}, true, true},
+      {"warranty", TaskKind::warranty, TriggerType::date, 30, {}, {}, true, false},
+      {"days", TaskKind::plannedMaintenance, TriggerType::date, 30, {}, NextDue{kNow + 30 * kDay, {}}, true, false},
+      {"hours", TaskKind::plannedMaintenance, TriggerType::engineHours, {}, 100, NextDue{{}, 1100}, false, true},
+      {"both", TaskKind::plannedMaintenance, TriggerType::both, 30, 100, NextDue{kNow + 30 * kDay, 1100}, true, true},
+      {"both, never dated", TaskKind::plannedMaintenance, TriggerType::both, 30, 100, NextDue{kNow + 30 * kDay, 1100},
+       false, true},
       {"a date task that still carries an hours target moves both", TaskKind::plannedMaintenance, TriggerType::date, 30,
-       100, true, true, NextDue{kNow + 30 * kDay, 1100}},
+       100, NextDue{kNow + 30 * kDay, 1100}, true, true},
       {"an hours target without interval is spent",
        TaskKind::plannedMaintenance,
        TriggerType::both,
        30,
        {},
+       NextDue{kNow + 30 * kDay, {}},
        true,
-       true,
-       NextDue{kNow + 30 * kDay, {}}},
+       true},
       {"an unused interval does not make a task repeat",
        TaskKind::plannedMaintenance,
        TriggerType::date,
        {},
        100,
+       {},
        true,
-       false,
-       {}}};
+       false}};
   for (const auto& each : cases) {
     MaintenanceTask made = task(each.what);
     made.kind = each.kind;
