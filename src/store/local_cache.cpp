@@ -208,7 +208,7 @@ void LocalCache::replaceAll(std::string prefix, std::map<std::string, std::vecto
       std::move(done));
 }
 
-void LocalCache::keepCorrupt(std::string key, std::string bytes, std::string reason) {
+void LocalCache::keepCorrupt(std::string key, std::string bytes, std::string reason, Done done) {
   impl_->writer.write(
       [key, bytes = std::move(bytes), reason = std::move(reason)](SQLite::Database& database) {
         Statement insert(database,
@@ -221,10 +221,11 @@ void LocalCache::keepCorrupt(std::string key, std::string bytes, std::string rea
         insert.exec();
         return Revision{0};
       },
-      [key](const std::expected<Revision, CacheError>& result) {
+      [key, done = std::move(done)](const std::expected<Revision, CacheError>& result) {
         if (!result)
           qCWarning(logCache, "⚠️ unreadable bytes of %s not set aside: %s", key.c_str(),
                     result.error().message.c_str());
+        if (done) done(result);
       });
 }
 

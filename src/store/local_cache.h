@@ -118,7 +118,7 @@ class LocalCache {
   void replaceAll(std::string prefix, std::map<std::string, std::vector<std::string>> records, Done done);
 
   /// Keeps a copy of bytes that could not be read, so that support can recover them. Equal bytes are kept once.
-  void keepCorrupt(std::string key, std::string bytes, std::string reason);
+  void keepCorrupt(std::string key, std::string bytes, std::string reason, Done done = {});
 
   /// Forgets that the records' edits wait for upload, in one transaction. A journal row goes once each of its changes
   /// is covered, so name the side entries ("_tasks_extra") too.

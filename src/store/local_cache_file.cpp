@@ -63,7 +63,10 @@ CacheError systemError(const std::error_code& error, const fs::path& file) {
   return cacheError(Kind::other, file, error.message());
 }
 
-bool writable(const fs::path& path) { return ::access(path.empty() ? "." : path.c_str(), W_OK) == 0; }
+/// Whether the user that the program acts for may do this.
+bool permitted(const fs::path& path, int mode) {
+  return ::faccessat(AT_FDCWD, path.empty() ? "." : path.c_str(), mode, AT_EACCESS) == 0;
+}
 
 /// Opens without writing anything. A write-ahead log left by a program that was killed is read with it, from a private
 /// copy of both, because reading it in place would write.
@@ -210,13 +213,12 @@ std::expected<CacheFile, CacheError> openCacheFile(const fs::path& file, bool cr
     const bool interrupted = fs::exists(beside(file, "-journal"), error);
     const FileHeader header = readHeader(file);
     if (size > 0 && !interrupted) {
-      if (::access(file.c_str(), R_OK) != 0)
-        return std::unexpected(cacheError(Kind::other, file, "you may not read it"));
+      if (!permitted(file, R_OK)) return std::unexpected(cacheError(Kind::other, file, "you may not read it"));
       if (!header.isSqlite || (header.applicationId != kApplicationId && header.applicationId != 0))
         return std::unexpected(cacheError(Kind::damaged, file));
       if (header.userVersion > kSchemaVersion) return openReadOnly(file, newerVersionReason(file));
     }
-    if (!writable(file) || !writable(file.parent_path())) {
+    if (!permitted(file, W_OK) || !permitted(file.parent_path(), W_OK)) {
       if (size == 0) return std::unexpected(cacheError(Kind::readOnly, file));
       return openReadOnly(file, cacheError(Kind::readOnly, file).message);
     }

@@ -146,13 +146,13 @@ void CacheWriter::fold(Done done) {
 }
 
 void CacheWriter::flush() {
-  std::promise<void> reached;
+  const auto reached = std::make_shared<std::promise<void>>();
   {
     const std::lock_guard lock(mutex_);
-    queue_.emplace_back([&reached] { reached.set_value(); });
+    queue_.emplace_back([reached] { reached->set_value(); });
   }
   wake_.notify_one();
-  reached.get_future().wait();
+  reached->get_future().wait();
 }
 
 bool CacheWriter::foldIsDue() const {

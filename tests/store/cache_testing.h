@@ -71,9 +71,9 @@ using Outcome = std::expected<Revision, CacheError>;
 /// Calls an operation that ends in `done` and waits for it.
 template <class Operation>
 Outcome awaited(Operation operation) {
-  std::promise<Outcome> promise;
-  operation([&promise](Outcome outcome) { promise.set_value(std::move(outcome)); });
-  return promise.get_future().get();
+  const auto promise = std::make_shared<std::promise<Outcome>>();
+  operation([promise](Outcome outcome) { promise->set_value(std::move(outcome)); });
+  return promise->get_future().get();
 }
 
 inline Outcome append(LocalCache& cache, std::vector<EntryChange> changes, std::string prefix = "user") {
