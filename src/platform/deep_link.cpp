@@ -12,7 +12,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// No link of the program comes near this; a longer one is not looked at.
-constexpr qsizetype kLongestAddress = 16 * 1024;
+constexpr qsizetype kLongestAddress = 16'384;
 
 /// The parameters behind `?` and `#`. Both are forms, where "+" stands for a space.
 QUrlQuery parametersOf(const QUrl& url) {

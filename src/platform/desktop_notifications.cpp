@@ -1,5 +1,7 @@
 #include "platform/desktop_notifications.h"
 
+#include <QTimer>
+
 #include "platform/freedesktop_notifications.h"
 
 namespace thalvorn {
@@ -12,9 +14,8 @@ class NoNotifications : public DesktopNotifications {
  public:
   bool available() const override { return false; }
   void show(const Notification& notification) override {
-    QMetaObject::invokeMethod(
-        this, [this, id = notification.id] { Q_EMIT failed(id, u"This desktop shows no notifications."_s); },
-        Qt::QueuedConnection);
+    QTimer::singleShot(0, this,
+                       [this, id = notification.id] { Q_EMIT failed(id, u"This desktop shows no notifications."_s); });
   }
   void withdraw(const QString&) override {}
 };

@@ -1,8 +1,9 @@
 #include "platform/desktop_settings.h"
 
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <utility>
+
+#include "platform/bus_call.h"
 
 namespace thalvorn {
 namespace {
@@ -47,25 +48,17 @@ DesktopSettings::DesktopSettings(const QDBusConnection& session, const QDBusConn
 }
 
 void DesktopSettings::readSetting(const QString& group, const QString& key) {
-  QDBusMessage call = QDBusMessage::createMethodCall(kPortal, kPortalPath, kPortalSettings, u"Read"_s);
-  call.setArguments({group, key});
-  auto* watcher = new QDBusPendingCallWatcher(session_.asyncCall(call), this);
-  connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, group, key] {
-    watcher->deleteLater();
-    const QDBusPendingReply<QDBusVariant> reply = *watcher;
-    if (reply.isValid()) take(group, key, unwrapped(reply.value().variant()));
-  });
+  callBus(session_, {kPortal, kPortalPath, kPortalSettings, u"Read"_s}, {group, key}, this,
+          [this, group, key](const QDBusMessage& reply) {
+            if (reply.type() == QDBusMessage::ReplyMessage) take(group, key, unwrapped(reply.arguments().value(0)));
+          });
 }
 
 void DesktopSettings::readMetered() {
-  QDBusMessage call = QDBusMessage::createMethodCall(kNetwork, kNetworkPath, kProperties, u"Get"_s);
-  call.setArguments({kNetwork, kMetered});
-  auto* watcher = new QDBusPendingCallWatcher(system_.asyncCall(call), this);
-  connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-    watcher->deleteLater();
-    const QDBusPendingReply<QDBusVariant> reply = *watcher;
-    if (reply.isValid()) takeMetered(reply.value().variant());
-  });
+  callBus(system_, {kNetwork, kNetworkPath, kProperties, u"Get"_s}, {kNetwork, kMetered}, this,
+          [this](const QDBusMessage& reply) {
+            if (reply.type() == QDBusMessage::ReplyMessage) takeMetered(unwrapped(reply.arguments().value(0)));
+          });
 }
 
 void DesktopSettings::onSettingChanged(const QString& group, const QString& key, const QDBusVariant& value) {

@@ -1,10 +1,9 @@
 #include "platform/freedesktop_notifications.h"
 
-#include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <utility>
 
+#include "platform/bus_call.h"
 #include "platform/desktop_identity.h"
 
 namespace thalvorn {
@@ -63,7 +62,7 @@ void FreedesktopNotifications::withdraw(const QString& id) {
   if (entry->sending) {
     entry->withdrawn = true;
   } else if (entry->number != 0) {
-    call(u"CloseNotification"_s, {entry->number}, {});
+    call(u"CloseNotification"_s, {entry->number}, [](const QDBusMessage&) {});
   } else {
     entries_.erase(entry);
   }
@@ -71,13 +70,7 @@ void FreedesktopNotifications::withdraw(const QString& id) {
 
 void FreedesktopNotifications::call(const QString& method, const QVariantList& arguments,
                                     std::function<void(const QDBusMessage&)> onReply) {
-  QDBusMessage message = QDBusMessage::createMethodCall(kService, kPath, kService, method);
-  message.setArguments(arguments);
-  auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
-  connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, onReply = std::move(onReply)] {
-    watcher->deleteLater();
-    if (onReply) onReply(watcher->reply());
-  });
+  callBus(bus_, {kService, kPath, kService, method}, arguments, this, std::move(onReply));
 }
 
 void FreedesktopNotifications::askCapabilities() {
@@ -100,7 +93,9 @@ void FreedesktopNotifications::askCapabilities() {
 
 void FreedesktopNotifications::send(const QString& id) {
   Entry& entry = entries_[id];
-  const Notification notification = *std::exchange(entry.next, std::nullopt);
+  const std::optional<Notification> next = std::exchange(entry.next, std::nullopt);
+  if (!next) return;
+  const Notification& notification = *next;
   entry.sending = true;
   entry.firstAction = notification.actions.empty() ? QString() : notification.actions.front().key;
   const QString body = can("body-markup"_L1) ? notification.body.toHtmlEscaped() : notification.body;

@@ -31,7 +31,7 @@ void InstanceConnection::read() {
   reader_.feed(bytes);
   auto frame = reader_.next();
   if (!frame) return refuse(frame.error());
-  if (*frame) take(**frame);
+  if (const std::optional<Frame>& whole = *frame; whole) take(*whole);
 }
 
 void InstanceConnection::take(const Frame& frame) {

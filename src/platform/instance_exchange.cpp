@@ -30,14 +30,14 @@ void InstanceExchange::read() {
   while (!over_) {
     auto frame = reader_.next();
     if (!frame) return finish(std::unexpected(InstanceError{InstanceProblem::refused, frame.error()}));
-    if (!*frame) return;
-    const QString type = (*frame)->type();
-    if (type == "working"_L1) continue;
-    if (type == "error"_L1) {
+    std::optional<Frame> answer = std::move(*frame);
+    if (!answer) return;
+    if (answer->type() == "working"_L1) continue;
+    if (answer->type() == "error"_L1) {
       return finish(
-          std::unexpected(InstanceError{InstanceProblem::refused, (*frame)->head.value("message"_L1).toString()}));
+          std::unexpected(InstanceError{InstanceProblem::refused, answer->head.value("message"_L1).toString()}));
     }
-    return finish(std::move(**frame));
+    return finish(std::move(*answer));
   }
 }
 
@@ -66,7 +66,7 @@ void InstanceExchange::finish(std::expected<Frame, InstanceError> result) {
   silence_.stop();
   result_ = std::move(result);
   socket_.abort();
-  QMetaObject::invokeMethod(this, &InstanceExchange::finished, Qt::QueuedConnection);
+  QTimer::singleShot(0, this, &InstanceExchange::finished);
 }
 
 }  // namespace thalvorn

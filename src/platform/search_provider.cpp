@@ -2,7 +2,6 @@
 
 #include <QDBusMessage>
 #include <QDBusMetaType>
-#include <QDBusPendingCall>
 
 #include "platform/desktop_identity.h"
 
@@ -31,10 +30,10 @@ SearchProvider::~SearchProvider() {
 }
 
 void SearchProvider::askBus(const QString& method, const QVariantList& arguments) {
-  QDBusMessage message = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                                        u"org.freedesktop.DBus"_s, method);
+  const QString bus = u"org.freedesktop.DBus"_s;
+  QDBusMessage message = QDBusMessage::createMethodCall(bus, u"/org/freedesktop/DBus"_s, bus, method);
   message.setArguments(arguments);
-  bus_.asyncCall(message);
+  bus_.send(message);
 }
 
 QStringList SearchProvider::GetInitialResultSet(const QStringList& terms) {

@@ -44,13 +44,14 @@ class SearchProvider : public QObject {
   SearchProvider(const SearchIndex& index, const QDBusConnection& bus, QObject* parent = nullptr);
   ~SearchProvider() override;
 
-  // The names and arguments are those of the D-Bus interface.
+  // The names and arguments are those of the D-Bus interface. NOLINTBEGIN(readability-identifier-naming)
  public Q_SLOTS:
   Q_SCRIPTABLE QStringList GetInitialResultSet(const QStringList& terms);
   Q_SCRIPTABLE QStringList GetSubsearchResultSet(const QStringList& previousResults, const QStringList& terms);
   Q_SCRIPTABLE QList<QVariantMap> GetResultMetas(const QStringList& identifiers);
   Q_SCRIPTABLE void ActivateResult(const QString& identifier, const QStringList& terms, uint timestamp);
   Q_SCRIPTABLE void LaunchSearch(const QStringList& terms, uint timestamp);
+  // NOLINTEND(readability-identifier-naming)
 
  Q_SIGNALS:
   /// The user opened a result; `timestamp` is the desktop's time of the click, for bringing the window forward.

@@ -32,7 +32,7 @@ bool leavesRoomFor(const QString& folder, qsizetype longestName) {
 }  // namespace
 
 std::expected<QString, QString> dataFolder() {
-  const QString path = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/thalvorn"_L1;
+  QString path = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/thalvorn"_L1;
   if (auto made = ensurePrivateFolder(path); !made) return std::unexpected(made.error());
   return path;
 }
@@ -40,11 +40,11 @@ std::expected<QString, QString> dataFolder() {
 std::expected<QString, QString> runtimeFolder(qsizetype longestName) {
   const QString user = QString::number(::geteuid());
   for (const QString& base : {qEnvironmentVariable("XDG_RUNTIME_DIR"), "/run/user/"_L1 + user}) {
-    const QString path = base + "/thalvorn"_L1;
+    QString path = base + "/thalvorn"_L1;
     if (!QDir::isAbsolutePath(base) || !isOwnFolder(base) || !leavesRoomFor(path, longestName)) continue;
     if (ensurePrivateFolder(path) && isOwnFolder(path)) return path;
   }
-  const QString path = "/tmp/thalvorn-"_L1 + user;
+  QString path = "/tmp/thalvorn-"_L1 + user;
   if (::mkdir(QFile::encodeName(path).constData(), 0700) == 0 || isOwnFolder(path)) return path;
   return std::unexpected(
       u"The folder %1 belongs to another user or is open to others, so it cannot be used. "

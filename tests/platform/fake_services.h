@@ -7,7 +7,8 @@
 #include <QVariantMap>
 #include <vector>
 
-/// The desktop's side of the conversations, on a bus of the test's own.
+/// The desktop's side of the conversations, on a bus of the test's own. Methods and signals are named as on the bus.
+// NOLINTBEGIN(readability-identifier-naming)
 namespace thalvorn::test {
 
 /// A notification service that remembers what it was asked and lets the test play the user.
@@ -44,8 +45,6 @@ class FakeNotificationService : public QObject {
  public Q_SLOTS:
   Q_SCRIPTABLE QStringList GetCapabilities() { return capabilities_; }
 
-  // A D-Bus method has as many arguments as its interface says.
-  // NOLINTNEXTLINE(readability-function-size)
   Q_SCRIPTABLE uint Notify(const QString& application, uint replaces, const QString& icon, const QString& summary,
                            const QString& body, const QStringList& actions, const QVariantMap& hints, int,
                            const QDBusMessage& message) {
@@ -131,3 +130,4 @@ class FakeNetworkManager : public QObject {
 };
 
 }  // namespace thalvorn::test
+// NOLINTEND(readability-identifier-naming)
