@@ -84,9 +84,9 @@ std::optional<Timestamp> Calendar::addDays(Timestamp time, std::int64_t count) c
   constexpr std::int64_t span = 3'660'000;  // more days than ten thousand years have
   if (!isCalendarTime(time) || count < -span || count > span) return std::nullopt;
   const LocalTime start = local(time);
-  const Timestamp moved_day = std::chrono::sys_days{start.date} + days{count};
-  if (!isCalendarTime(moved_day)) return std::nullopt;
-  return at(std::chrono::floor<days>(moved_day), start.timeOfDay);
+  const Timestamp movedDay = std::chrono::sys_days{start.date} + days{count};
+  if (!isCalendarTime(movedDay)) return std::nullopt;
+  return at(std::chrono::floor<days>(movedDay), start.timeOfDay);
 }
 
 std::optional<std::int64_t> Calendar::dayComponent(Timestamp from, Timestamp to) const {

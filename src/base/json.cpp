@@ -93,7 +93,7 @@ std::expected<std::vector<RawElement>, JsonError> splitJsonList(std::string_view
   namespace ondemand = simdjson::ondemand;
   json_detail::Scratch& scratch = json_detail::scratch();
   const auto padded = scratch.pad(json);
-  thread_local ondemand::parser id_parser;
+  thread_local ondemand::parser idParser;
   ondemand::document document;
   ondemand::array array;
   if (scratch.parser.iterate(padded).get(document)) return std::unexpected(JsonError{"", "is not JSON"});
@@ -111,11 +111,11 @@ std::expected<std::vector<RawElement>, JsonError> splitJsonList(std::string_view
       if (list.raw_json().get(bytes)) return std::unexpected(JsonError{"", "is not well-formed"});
     } else if (!value.get_object().get(object)) {
       if (object.raw_json().get(bytes)) return std::unexpected(JsonError{"", "is not well-formed"});
-      ondemand::document element_document;
+      ondemand::document elementDocument;
       std::string_view id;
       const simdjson::padded_string_view view(bytes.data(), bytes.size(), bytes.size() + simdjson::SIMDJSON_PADDING);
-      if (!id_parser.iterate(view).get(element_document) &&
-          !element_document.find_field_unordered("id").get_string().get(id))
+      if (!idParser.iterate(view).get(elementDocument) &&
+          !elementDocument.find_field_unordered("id").get_string().get(id))
         raw.id.assign(id);
     } else {
       bytes = value.raw_json_token();

@@ -44,9 +44,9 @@ constexpr char lower(char c) { return isUpper(c) ? static_cast<char>(c - 'A' + '
 /// capitals is one word.
 constexpr void appendSnakeCase(Key& key, std::string_view name) {
   for (std::size_t i = 0; i < name.size(); ++i) {
-    const bool starts_word =
+    const bool startsWord =
         isUpper(name[i]) && i > 0 && (!isUpper(name[i - 1]) || (i + 1 < name.size() && !isUpper(name[i + 1])));
-    if (starts_word) key.text[key.size++] = '_';
+    if (startsWord) key.text[key.size++] = '_';
     key.text[key.size++] = lower(name[i]);
   }
 }
@@ -295,8 +295,8 @@ bool requireIdentity(FieldSet seen, JsonError& error) {
   for (const std::string_view name : {"id", "vesselID"}) {
     const std::size_t index = fieldIndex<T>(name);
     if (index == fieldCount<T> || seen >> index & 1) continue;
-    constexpr bool account_wide = requires { JsonForm<T>::vesselOptional; };
-    if (name == "vesselID" && account_wide) continue;
+    constexpr bool accountWide = requires { JsonForm<T>::vesselOptional; };
+    if (name == "vesselID" && accountWide) continue;
     error = {std::string(keys<T>[index].name()), "is missing"};
     return false;
   }

@@ -54,13 +54,13 @@ bool readOffset(Reader& reader, seconds& offset) {
   if (reader.take('Z') || reader.take('z')) return true;
   const bool negative = reader.peek() == '-';
   if (!reader.take('+') && !reader.take('-')) return false;
-  int offset_hours = 0;
-  int offset_minutes = 0;
-  if (!reader.digits(2, offset_hours)) return false;
+  int offsetHours = 0;
+  int offsetMinutes = 0;
+  if (!reader.digits(2, offsetHours)) return false;
   const bool colon = reader.take(':');
-  if ((colon || !reader.atEnd()) && !reader.digits(2, offset_minutes)) return false;
-  if (offset_hours > 23 || offset_minutes > 59) return false;
-  offset = hours{offset_hours} + minutes{offset_minutes};
+  if ((colon || !reader.atEnd()) && !reader.digits(2, offsetMinutes)) return false;
+  if (offsetHours > 23 || offsetMinutes > 59) return false;
+  offset = hours{offsetHours} + minutes{offsetMinutes};
   if (negative) offset = -offset;
   return true;
 }
@@ -76,16 +76,16 @@ void appendPadded(std::string& out, std::int64_t value, int width) {
 
 std::optional<Timestamp> parseTimestamp(std::string_view text) {
   Reader reader(text);
-  const bool signed_year = reader.peek() == '+' || reader.peek() == '-';
-  const bool negative_year = reader.peek() == '-';
-  if (signed_year) reader.take(reader.peek());
+  const bool signedYear = reader.peek() == '+' || reader.peek() == '-';
+  const bool negativeYear = reader.peek() == '-';
+  if (signedYear) reader.take(reader.peek());
   int y = 0;
   int m = 0;
   int d = 0;
-  if (signed_year ? !reader.digits(6, y) : !reader.digits(4, y)) return std::nullopt;
+  if (signedYear ? !reader.digits(6, y) : !reader.digits(4, y)) return std::nullopt;
   if (!reader.take('-') || !reader.digits(2, m) || !reader.take('-') || !reader.digits(2, d)) return std::nullopt;
   if (y > 32000) return std::nullopt;
-  const year_month_day date{std::chrono::year{negative_year ? -y : y}, std::chrono::month(static_cast<unsigned>(m)),
+  const year_month_day date{std::chrono::year{negativeYear ? -y : y}, std::chrono::month(static_cast<unsigned>(m)),
                             std::chrono::day(static_cast<unsigned>(d))};
   if (!date.ok()) return std::nullopt;
   const Timestamp midnight = sys_days{date};
@@ -108,7 +108,7 @@ std::optional<Timestamp> parseTimestamp(std::string_view text) {
 void appendTimestamp(std::string& out, Timestamp time) {
   const auto day = std::chrono::floor<days>(time);
   const year_month_day date{day};
-  const auto of_day = (time - day).count();
+  const auto ofDay = (time - day).count();
   const int y = int{date.year()};
   if (y < 0 || y > 9999) {
     out.push_back(y < 0 ? '-' : '+');
@@ -125,9 +125,9 @@ void appendTimestamp(std::string& out, Timestamp time) {
   char rest[] = "-00-00T00:00:00Z";
   two(rest + 1, month);
   two(rest + 4, mday);
-  two(rest + 7, of_day / 3600);
-  two(rest + 10, of_day / 60 % 60);
-  two(rest + 13, of_day % 60);
+  two(rest + 7, ofDay / 3600);
+  two(rest + 10, ofDay / 60 % 60);
+  two(rest + 13, ofDay % 60);
   out.append(rest, 16);
 }
 

@@ -50,9 +50,9 @@ Uuid Uuid::random() {
 }
 
 Uuid Uuid::named(const Uuid& space, std::string_view name) {
-  boost::uuids::uuid space_value;
-  std::copy(space.bytes.begin(), space.bytes.end(), space_value.begin());
-  boost::uuids::name_generator_sha1 generate(space_value);
+  boost::uuids::uuid spaceValue;
+  std::copy(space.bytes.begin(), space.bytes.end(), spaceValue.begin());
+  boost::uuids::name_generator_sha1 generate(spaceValue);
   return fromBoost(generate(name.data(), name.size()));
 }
 

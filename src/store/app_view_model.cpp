@@ -52,19 +52,19 @@ struct AppViewModel::Loaded {
 
 AppViewModel::AppViewModel(LocalCache& cache, const Clock& clock, QObject* parent)
     : QObject(parent), cache_(cache), clock_(clock) {
-  retry_timer_.setSingleShot(true);
-  retry_timer_.setInterval(kRetryDelay);
-  connect(&retry_timer_, &QTimer::timeout, this, &AppViewModel::retrySaving);
+  retryTimer_.setSingleShot(true);
+  retryTimer_.setInterval(kRetryDelay);
+  connect(&retryTimer_, &QTimer::timeout, this, &AppViewModel::retrySaving);
   cloudPushTask.setSingleShot(true);
   cloudPushTask.setInterval(kPushDelay);
   connect(&cloudPushTask, &QTimer::timeout, this, [this] {
-    if (!sync_ || !is_authenticated_) return;
+    if (!sync_ || !isAuthenticated_) return;
     qCInfo(storeLog, "☁️ Auto-push after change");
     sync_->push();
   });
   periodicSyncTask.setInterval(kPeriodicSync);
   connect(&periodicSyncTask, &QTimer::timeout, this, [this] {
-    if (!sync_ || !is_authenticated_) return;
+    if (!sync_ || !isAuthenticated_) return;
     qCInfo(storeLog, "☁️ Periodic 5-min sync");
     sync_->fullSync();
   });
@@ -93,7 +93,7 @@ std::vector<const Vessel*> AppViewModel::vesselsInOrder() const {
 }
 
 const Vessel* AppViewModel::selectedVessel() const {
-  return selected_vessel_ ? vessels().find(*selected_vessel_) : nullptr;
+  return selectedVessel_ ? vessels().find(*selectedVessel_) : nullptr;
 }
 
 const VesselProfile* AppViewModel::profileOf(const Uuid& vesselID) const {
@@ -140,12 +140,12 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
   if (!loaded.problem.empty()) qCWarning(storeLog, "❌ load failed: %s", loaded.problem.c_str());
 
   const auto stored = cache_.preference(selectedVesselKey(prefix));
-  selected_vessel_ = stored ? Uuid::parse(*stored) : std::nullopt;
+  selectedVessel_ = stored ? Uuid::parse(*stored) : std::nullopt;
   if (!selectedVessel()) {
     const auto ordered = vesselsInOrder();
-    selected_vessel_ = ordered.empty() ? std::nullopt : std::optional(ordered.front()->id);
+    selectedVessel_ = ordered.empty() ? std::nullopt : std::optional(ordered.front()->id);
   }
-  is_reloading_ = false;
+  isReloading_ = false;
   Q_EMIT prefixChanged();
   Q_EMIT selectedVesselIDChanged();
   Q_EMIT isReloadingChanged();
@@ -154,9 +154,9 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
 }
 
 QCoro::Task<void> AppViewModel::reloadForUser(std::string prefix) {
-  const int generation = ++reload_generation_;
+  const int generation = ++reloadGeneration_;
   qCInfo(storeLog, "🔄 reloadForUser — uid: %s", prefix.c_str());
-  is_reloading_ = true;
+  isReloading_ = true;
   Q_EMIT isReloadingChanged();
   const auto promise = std::make_shared<QPromise<std::shared_ptr<Loaded>>>();
   QFuture<std::shared_ptr<Loaded>> future = promise->future();
@@ -166,17 +166,17 @@ QCoro::Task<void> AppViewModel::reloadForUser(std::string prefix) {
     promise->finish();
   });
   const std::shared_ptr<Loaded> loaded = co_await future;
-  if (generation != reload_generation_) co_return;
+  if (generation != reloadGeneration_) co_return;
   take(std::move(*loaded), prefix);
 }
 
 void AppViewModel::reloadNow(std::string prefix) {
-  ++reload_generation_;
+  ++reloadGeneration_;
   take(decodeState(cache_, prefix), prefix);
 }
 
 void AppViewModel::clear() {
-  ++reload_generation_;
+  ++reloadGeneration_;
   take(Loaded{}, {});
 }
 
@@ -184,20 +184,20 @@ void AppViewModel::clear() {
 // ----------------------------------------------------------------------------------------------------
 
 void AppViewModel::setSelectedVesselID(std::optional<Uuid> id) {
-  if (id == selected_vessel_) return;
-  selected_vessel_ = id;
+  if (id == selectedVessel_) return;
+  selectedVessel_ = id;
   cache_.setPreference(selectedVesselKey(prefix_), id ? std::optional(id->toString()) : std::nullopt);
   Q_EMIT selectedVesselIDChanged();
 }
 
 void AppViewModel::setSelectedFilter(FilterOption filter) {
-  if (filter == selected_filter_) return;
-  selected_filter_ = filter;
+  if (filter == selectedFilter_) return;
+  selectedFilter_ = filter;
   Q_EMIT selectedFilterChanged();
 }
 
 void AppViewModel::setSpotlightHighlightID(std::optional<Uuid> id) {
-  spotlight_highlight_ = id;
+  spotlightHighlight_ = id;
   Q_EMIT spotlightHighlightIDChanged();
 }
 
@@ -313,7 +313,7 @@ Saving AppViewModel::save(JournalEntry entry) {
 
 void AppViewModel::saveNext() {
   // One at a time: when an edit cannot be saved, none behind it may get ahead of it.
-  if (saving_ || pending_.empty() || retry_timer_.isActive()) return;
+  if (saving_ || pending_.empty() || retryTimer_.isActive()) return;
   saving_ = true;
   cache_.append(pending_.front().entry, [this](std::expected<Revision, CacheError> result) {
     QMetaObject::invokeMethod(this, [this, result = std::move(result)] { saved(result); }, Qt::QueuedConnection);
@@ -323,15 +323,15 @@ void AppViewModel::saveNext() {
 void AppViewModel::saved(std::expected<Revision, CacheError> result) {
   saving_ = false;
   if (!result) {
-    save_problem_ = result.error().message;
-    qCWarning(storeLog, "⚠️ not saved yet: %s", save_problem_.c_str());
-    retry_timer_.start();
+    saveProblem_ = result.error().message;
+    qCWarning(storeLog, "⚠️ not saved yet: %s", saveProblem_.c_str());
+    retryTimer_.start();
     Q_EMIT unsavedChanged();
     return;
   }
   Pending done = std::move(pending_.front());
   pending_.pop_front();
-  save_problem_.clear();
+  saveProblem_.clear();
   if (!staysOnThisComputer() && done.entry.prefix == prefix_)
     for (const EntryChange& change : done.entry.changes) dirty_[markKey(change.suffix, change.id)] = *result;
   done.promise->addResult(SaveResult(*result));
@@ -341,7 +341,7 @@ void AppViewModel::saved(std::expected<Revision, CacheError> result) {
 }
 
 void AppViewModel::retrySaving() {
-  retry_timer_.stop();
+  retryTimer_.stop();
   saveNext();
 }
 
@@ -351,7 +351,7 @@ std::optional<Revision> AppViewModel::dirtyRevision(std::string_view suffix, con
 }
 
 void AppViewModel::schedulePush() {
-  if (is_authenticated_ && !staysOnThisComputer()) cloudPushTask.start();
+  if (isAuthenticated_ && !staysOnThisComputer()) cloudPushTask.start();
 }
 
 // ---- one record of any kind

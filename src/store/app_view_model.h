@@ -48,8 +48,8 @@ class AppViewModel : public QObject {
   ~AppViewModel() override;
 
   // ---- state ----
-  bool isReloading() const { return is_reloading_; }
-  int vesselPhotoCacheVersion() const { return vessel_photo_cache_version_; }
+  bool isReloading() const { return isReloading_; }
+  int vesselPhotoCacheVersion() const { return vesselPhotoCacheVersion_; }
   template <class T>
   const Collection<T>& collection() const {
     return std::get<Collection<T>>(collections_);
@@ -76,12 +76,12 @@ class AppViewModel : public QObject {
   const Collection<CalendarEvent>& calendarEvents() const { return collection<CalendarEvent>(); }
   const Collection<AccountMember>& accountMembers() const { return collection<AccountMember>(); }
 
-  const std::string& accountID() const { return account_id_; }
+  const std::string& accountID() const { return accountId_; }
   std::string displayName() const;
-  std::optional<Uuid> selectedVesselID() const { return selected_vessel_; }
-  FilterOption selectedFilter() const { return selected_filter_; }
-  std::optional<Uuid> spotlightHighlightID() const { return spotlight_highlight_; }
-  bool isAuthenticated() const { return is_authenticated_; }
+  std::optional<Uuid> selectedVesselID() const { return selectedVessel_; }
+  FilterOption selectedFilter() const { return selectedFilter_; }
+  std::optional<Uuid> spotlightHighlightID() const { return spotlightHighlight_; }
+  bool isAuthenticated() const { return isAuthenticated_; }
 
   /// The prefix of the cache keys of whoever works now: a user's id, `demoPrefix`, `localPrefix`; empty before a
   /// choice.
@@ -161,7 +161,7 @@ class AppViewModel : public QObject {
   /// Edits on the screen that are not on disk yet.
   int unsavedCount() const { return static_cast<int>(pending_.size()); }
   /// Why the oldest of them could not be saved; empty while all is well.
-  const std::string& saveProblem() const { return save_problem_; }
+  const std::string& saveProblem() const { return saveProblem_; }
   /// Tries again now.
   void retrySaving();
   /// The newest unsent revision of a record; empty when it is uploaded or never will be.
@@ -215,21 +215,21 @@ class AppViewModel : public QObject {
   const Clock& clock_;
   Collections collections_;
   std::string prefix_;
-  std::string account_id_;
-  bool is_reloading_ = false;
-  bool is_authenticated_ = false;
-  int vessel_photo_cache_version_ = 0;
-  std::optional<Uuid> selected_vessel_;
-  FilterOption selected_filter_ = FilterOption::all;
-  std::optional<Uuid> spotlight_highlight_;
+  std::string accountId_;
+  bool isReloading_ = false;
+  bool isAuthenticated_ = false;
+  int vesselPhotoCacheVersion_ = 0;
+  std::optional<Uuid> selectedVessel_;
+  FilterOption selectedFilter_ = FilterOption::all;
+  std::optional<Uuid> spotlightHighlight_;
 
   std::deque<Pending> pending_;
   bool saving_ = false;
-  std::string save_problem_;
-  QTimer retry_timer_;
+  std::string saveProblem_;
+  QTimer retryTimer_;
   std::deque<Edit> undoable_;
   std::unordered_map<std::string, Revision> dirty_;  ///< by suffix + id
-  int reload_generation_ = 0;
+  int reloadGeneration_ = 0;
   SyncTrigger* sync_ = nullptr;
   QTimer cloudPushTask;     ///< the pending debounced upload after a change
   QTimer periodicSyncTask;  ///< the five-minute sync loop

@@ -60,10 +60,10 @@ Saving AppViewModel::correctLog(const ServiceLog& corrected, std::string reason)
   auto result = thalvorn::correctLog(*log, corrected, reason, displayName(), now());
   if (!result) return refused(std::move(result.error()));
   Edit edit{.label = "“" + log->taskTitle + "” corrected"};
-  const bool is_latest = std::ranges::none_of(logs().records(), [&](const ServiceLog& other) {
+  const bool isLatest = std::ranges::none_of(logs().records(), [&](const ServiceLog& other) {
     return other.taskID == log->taskID && other.completedDate > log->completedDate;
   });
-  if (const MaintenanceTask* task = tasks().find(log->taskID); task && is_latest)
+  if (const MaintenanceTask* task = tasks().find(log->taskID); task && isLatest)
     edit.replace(*task, rescheduleAfterCorrection(*task, *log, *result, calendar()));
   edit.replace(*log, std::move(*result));
   return apply(std::move(edit));

@@ -13,16 +13,16 @@ bool hasInitialExtras(const T& record) {
 template <class T>
 void appendChanges(std::vector<EntryChange>& out, const T* before, const T* after) {
   const Uuid id = (after ? after : before)->id;
-  std::string old_own = before ? toJson(*before) : std::string();
-  std::string new_own = after ? toJson(*after) : std::string();
-  if (old_own != new_own)
-    out.push_back({std::string(RecordKind<T>::facts.suffix), id, std::move(old_own), std::move(new_own)});
+  std::string oldOwn = before ? toJson(*before) : std::string();
+  std::string newOwn = after ? toJson(*after) : std::string();
+  if (oldOwn != newOwn)
+    out.push_back({std::string(RecordKind<T>::facts.suffix), id, std::move(oldOwn), std::move(newOwn)});
   if constexpr (HasExtraFields<T>) {
-    std::string old_extra = before ? extraJson(*before) : std::string();
-    std::string new_extra = after ? extraJson(*after) : std::string();
-    if (old_extra != new_extra)
+    std::string oldExtra = before ? extraJson(*before) : std::string();
+    std::string newExtra = after ? extraJson(*after) : std::string();
+    if (oldExtra != newExtra)
       out.push_back(
-          {std::string(RecordKind<T>::facts.suffix) + "_extra", id, std::move(old_extra), std::move(new_extra)});
+          {std::string(RecordKind<T>::facts.suffix) + "_extra", id, std::move(oldExtra), std::move(newExtra)});
   }
 }
 

@@ -22,7 +22,7 @@ class ListLoader {
   using KeepCorrupt = std::function<void(std::string, std::string, std::string)>;
 
   ListLoader(std::string prefix, KeepCorrupt keepCorrupt)
-      : key_(std::move(prefix) + std::string(RecordKind<T>::facts.suffix)), keep_corrupt_(std::move(keepCorrupt)) {}
+      : key_(std::move(prefix) + std::string(RecordKind<T>::facts.suffix)), keepCorrupt_(std::move(keepCorrupt)) {}
 
   void readSegments(const StoredState& state) {
     if (const auto entry = state.segments.find(RecordKind<T>::facts.suffix); entry != state.segments.end()) {
@@ -62,13 +62,13 @@ class ListLoader {
  private:
   void setAside(const SetAside& faulty) {
     qCWarning(storeLog, "⚠️ set aside a record of %s: %s", key_.c_str(), faulty.error.message().c_str());
-    keep_corrupt_(key_, faulty.bytes, faulty.error.message());
+    keepCorrupt_(key_, faulty.bytes, faulty.error.message());
   }
 
   void decodeFailed(std::string_view suffix, const std::string& key, const std::string& bytes, const JsonError& error) {
     qCWarning(storeLog, "❌ decode failed for %.*s, key=%s, bytes=%zu", static_cast<int>(suffix.size()), suffix.data(),
               key.c_str(), bytes.size());
-    keep_corrupt_(key, bytes, error.message());
+    keepCorrupt_(key, bytes, error.message());
   }
 
   void readOwn(const std::string& segment) {
@@ -166,7 +166,7 @@ class ListLoader {
   }
 
   std::string key_;
-  KeepCorrupt keep_corrupt_;
+  KeepCorrupt keepCorrupt_;
   std::vector<T> records_;
   IdentityIndex index_;
   std::unordered_set<Uuid> removed_;

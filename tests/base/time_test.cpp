@@ -42,12 +42,12 @@ TEST(Calendar, DayComponentTruncatesTowardZero) {
 TEST(Calendar, DaysFollowTheWallClockThroughDaylightSaving) {
   const Calendar rome = Calendar::inZone("Europe/Rome").value();
   // Noon to noon over the spring change is 23 hours, over the autumn change 25.
-  const Timestamp before_spring = at("2026-03-28T11:00:00Z");
-  EXPECT_EQ(rome.dayComponent(before_spring, before_spring + 23h), 1);
-  EXPECT_EQ(rome.addDays(before_spring, 1), before_spring + 23h);
-  const Timestamp before_autumn = at("2026-10-24T10:00:00Z");
-  EXPECT_EQ(rome.dayComponent(before_autumn, before_autumn + 24h), 0);
-  EXPECT_EQ(rome.dayComponent(before_autumn, before_autumn + 25h), 1);
+  const Timestamp beforeSpring = at("2026-03-28T11:00:00Z");
+  EXPECT_EQ(rome.dayComponent(beforeSpring, beforeSpring + 23h), 1);
+  EXPECT_EQ(rome.addDays(beforeSpring, 1), beforeSpring + 23h);
+  const Timestamp beforeAutumn = at("2026-10-24T10:00:00Z");
+  EXPECT_EQ(rome.dayComponent(beforeAutumn, beforeAutumn + 24h), 0);
+  EXPECT_EQ(rome.dayComponent(beforeAutumn, beforeAutumn + 25h), 1);
   // 02:30 does not exist on 29 March: the clock shows 03:30; on 25 October it comes twice and the first is meant.
   using std::chrono::year;
   EXPECT_EQ(rome.at(year{2026} / 3 / 29, 2h + 30min), at("2026-03-29T01:30:00Z"));
