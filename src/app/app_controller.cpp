@@ -7,6 +7,8 @@
 
 #include "app/command_table.h"
 #include "app/module_table.h"
+#include "app/status_tone.h"
+#include "core/task_status.h"
 
 namespace thalvorn::app {
 
@@ -38,9 +40,13 @@ void AppController::setPhase(const QString& phase) {
 
 void AppController::setAppearance(const QString& appearance) {
   if (appearance == appearance_) return;
+  preferences_.setPreference(appearanceKey(), appearance);
+  showIn(appearance);
+}
+
+void AppController::showIn(const QString& appearance) {
   const bool before = dark();
   appearance_ = appearance;
-  preferences_.setPreference(appearanceKey(), appearance);
   Q_EMIT appearanceChanged();
   if (dark() != before) Q_EMIT darkChanged();
 }
@@ -111,6 +117,24 @@ QVariantList AppController::shortcuts() const {
                             {QStringLiteral("notification"), text(command.notification)}});
   }
   return list;
+}
+
+QVariantMap AppController::statusHelp() const {
+  const auto qt = [](std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+  };
+  const StatusHelp& help = thalvorn::statusHelp();
+  QVariantList rules;
+  for (const StatusHelp::Rule& rule : help.rules) {
+    rules.append(QVariantMap{{QStringLiteral("label"), qt(rule.label)},
+                             {QStringLiteral("text"), qt(rule.text)},
+                             {QStringLiteral("tone"), statusTone(rule.status)}});
+  }
+  return {{QStringLiteral("title"), qt(help.title)},
+          {QStringLiteral("section"), qt(help.section)},
+          {QStringLiteral("introduction"), qt(help.introduction)},
+          {QStringLiteral("rules"), rules},
+          {QStringLiteral("elsewhere"), qt(help.elsewhere)}};
 }
 
 QString AppController::version() const { return QStringLiteral(THALVORN_VERSION); }

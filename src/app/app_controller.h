@@ -30,7 +30,9 @@ class AppController : public QObject {
   Q_PROPERTY(QVariantList pages READ pages CONSTANT)
   Q_PROPERTY(QVariantList menus READ menus CONSTANT)
   Q_PROPERTY(QVariantList shortcuts READ shortcuts CONSTANT)
+  Q_PROPERTY(QVariantMap statusHelp READ statusHelp CONSTANT)
   Q_PROPERTY(QString version READ version CONSTANT)
+  Q_PROPERTY(QString problem READ problem CONSTANT)
 
  public:
   explicit AppController(PreferenceStore& preferences, QObject* parent = nullptr);
@@ -42,6 +44,8 @@ class AppController : public QObject {
   /// "system", "light" or "dark"; kept under "thalvorn.appearance".
   QString appearance() const { return appearance_; }
   void setAppearance(const QString& appearance);
+  /// The same for this run only.
+  void showIn(const QString& appearance);
   bool dark() const;
   bool reducedMotion() const { return reducedMotion_; }
   /// What the desktop asks for; used where the appearance is "system".
@@ -58,7 +62,12 @@ class AppController : public QObject {
   QVariantList menus() const;
   /// Every key the shell itself listens to: [{keys, notification}].
   QVariantList shortcuts() const;
+  /// How a task's status is determined: {title, section, introduction, rules: [{label, text, tone}], elsewhere}.
+  QVariantMap statusHelp() const;
   QString version() const;
+  /// Why the store cannot be opened, and what to do; empty when it is open.
+  QString problem() const { return problem_; }
+  void setProblem(const QString& problem) { problem_ = problem; }
 
   /// Shows a page. `arguments` reach the page as its `arguments` property, for instance {"taskId": …}.
   Q_INVOKABLE void open(const QString& page, const QVariantMap& arguments = {});
@@ -94,6 +103,7 @@ class AppController : public QObject {
 
   PreferenceStore& preferences_;
   QString phase_ = QStringLiteral("loading");
+  QString problem_;
   QString appearance_;
   bool desktopDark_ = false;
   bool reducedMotion_ = false;

@@ -1,11 +1,17 @@
 #include "app/composition.h"
 
+#include <QDir>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QHash>
 #include <QQmlEngine>
 
 #include "app/module_table.h"
+#include "app/record_form.h"
+#include "app/record_search.h"
+#include "platform/deep_link.h"
+#include "platform/store_access.h"
+#include "platform/user_folders.h"
 
 void qml_register_types_Thalvorn();
 
@@ -15,7 +21,7 @@ namespace {
 
 constexpr int kMajor = 1;
 
-/// Keeps preferences for the length of one run: pictures and self-tests leave nothing behind.
+/// Keeps preferences for the length of one run, where there is no store to keep them in.
 class PassingPreferences : public PreferenceStore {
  public:
   QString preference(const QString& key) const override { return values_.value(key); }
@@ -27,8 +33,16 @@ class PassingPreferences : public PreferenceStore {
 
 template <class T>
 void registerSingleton(const char* name, T* instance) {
+  if (!instance) return;
   QQmlEngine::setObjectOwnership(instance, QQmlEngine::CppOwnership);
   qmlRegisterSingletonInstance("Thalvorn", kMajor, 0, name, instance);
+}
+
+/// The page that shows a record of a collection.
+QString pageOfKind(const QString& kind) {
+  if (kind == u"vessels") return QStringLiteral("vessels");
+  if (kind == u"logs") return QStringLiteral("serviceHistory");
+  return kind == u"tasks" ? QStringLiteral("taskLibrary") : QString();
 }
 
 }  // namespace
@@ -44,50 +58,176 @@ void prepareApplication() {
   QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
 }
 
-Composition::Composition(const Options& options)
-    : options_(options),
-      preferences_(std::make_unique<PassingPreferences>()),
-      app_(std::make_unique<AppController>(*preferences_)),
-      fleet_(std::make_unique<FleetController>()),
-      format_(std::make_unique<Format>(clock_)),
-      notices_(std::make_unique<Notices>()),
-      search_(std::make_unique<SearchModel>()) {
-  if (!options_.scheme.isEmpty()) app_->setAppearance(options_.scheme);
-  if (options_.pictured()) app_->setReducedMotion(true);
-  if (!options_.page.isEmpty()) app_->open(options_.page);
-  app_->setPhase(QStringLiteral("ready"));
-  search_->addSource(pagesAndCommands());
+Composition::Composition(const Options& options) : options_(options) {
+  if (!options_.store.isEmpty()) {
+    storeFile_ = canonicalStorePath(options_.store);
+  } else if (options_.pictured()) {
+    scratch_ = std::make_unique<QTemporaryDir>();
+    storeFile_ = scratch_->filePath(QStringLiteral("fleet.sqlite"));
+  } else if (const auto folder = dataFolder()) {
+    storeFile_ = canonicalStorePath(QDir(*folder).filePath(QStringLiteral("fleet.sqlite")));
+  } else {
+    problem_ = folder.error();
+  }
 }
 
-Composition::~Composition() = default;
+Composition::~Composition() {
+  // The window goes first: its bindings refer to everything else.
+  memory_.reset();
+  engine_.reset();
+}
+
+bool Composition::claimStore() {
+  if (scratch_ || !problem_.isEmpty()) return true;
+  auto claim = claimForWindow(storeFile_);
+  if (!claim) {
+    problem_ = claim.error().message;
+    return true;
+  }
+  if (const auto* other = std::get_if<InstanceClient>(&*claim)) {
+    if (const auto raised = other->raiseAndWait(raiseRequestFromEnvironment(options_.link)); !raised) {
+      qWarning("%s", qUtf8Printable(raised.error().message));
+    }
+    return false;
+  }
+  instance_ = std::move(std::get<std::unique_ptr<SingleInstance>>(*claim));
+  connect(instance_.get(), &SingleInstance::raiseRequested, this, &Composition::raise);
+  return true;
+}
+
+void Composition::openStore() {
+  if (!problem_.isEmpty()) return;
+  auto opened = StoreSession::open(storeFile_, clock_);
+  if (opened) {
+    session_ = std::move(*opened);
+  } else {
+    problem_ = opened.error();
+  }
+}
+
+void Composition::makeControllers() {
+  if (session_) {
+    preferences_ = std::make_unique<CachePreferences>(session_->cache());
+  } else {
+    preferences_ = std::make_unique<PassingPreferences>();
+  }
+  app_ = std::make_unique<AppController>(*preferences_);
+  format_ = std::make_unique<Format>(clock_);
+  notices_ = std::make_unique<Notices>();
+  search_ = std::make_unique<SearchModel>();
+  search_->addSource(pagesAndCommands());
+  app_->setProblem(problem_);
+  if (session_) {
+    fleet_ = std::make_unique<FleetController>(session_->model(), *notices_);
+    search_->addSource(recordSearch(session_->model()));
+    connect(&session_->model(), &AppViewModel::reloaded, this, [this] { app_->setPhase(QStringLiteral("ready")); });
+  }
+  connect(app_.get(), &AppController::notification, this, &Composition::onNotification);
+  if (!options_.scheme.isEmpty()) app_->showIn(options_.scheme);
+  if (!options_.page.isEmpty()) app_->open(options_.page);
+}
 
 void Composition::registerForQml() {
+  RecordForm::setStrict(options_.selfTest);
   qml_register_types_Thalvorn();
   registerSingleton("App", app_.get());
-  registerSingleton("Fleet", fleet_.get());
   registerSingleton("Format", format_.get());
   registerSingleton("Notices", notices_.get());
   registerSingleton("Search", search_.get());
+  registerSingleton("Fleet", fleet_.get());
+}
+
+void Composition::followDesktop() {
+  if (options_.pictured()) {
+    app_->setReducedMotion(true);
+    return;
+  }
+  desktop_ = std::make_unique<DesktopSettings>();
+  const auto colours = [this] { app_->setDesktopDark(desktop_->colorScheme() == DesktopSettings::ColorScheme::dark); };
+  const auto motion = [this] { app_->setReducedMotion(desktop_->reducedMotion()); };
+  connect(desktop_.get(), &DesktopSettings::colorSchemeChanged, this, colours);
+  connect(desktop_.get(), &DesktopSettings::reducedMotionChanged, this, motion);
+  colours();
+  motion();
 }
 
 bool Composition::show() {
+  openStore();
+  makeControllers();
   registerForQml();
+  followDesktop();
+  if (session_ && options_.pictured()) startReading();
   engine_ = std::make_unique<QQmlApplicationEngine>();
   engine_->addImportPath(QStringLiteral("qrc:/qml"));
-  engine_->load(QUrl(qmlAddress(QStringLiteral("Main.qml"))));
+  engine_->load(QUrl(qmlAddress(session_ ? QStringLiteral("Main.qml") : QStringLiteral("shell/ProblemWindow.qml"))));
   if (engine_->rootObjects().isEmpty()) return false;
   window_ = qobject_cast<QQuickWindow*>(engine_->rootObjects().constFirst());
   if (!window_) return false;
-  restoreWindow();
+  if (options_.pictured()) {
+    window_->resize(options_.size);
+  } else {
+    memory_ = std::make_unique<WindowMemory>(*window_, *preferences_);
+    // The window shows first; the records are read behind its first picture.
+    if (session_)
+      connect(window_, &QQuickWindow::frameSwapped, this, &Composition::startReading, Qt::SingleShotConnection);
+  }
   window_->show();
   return true;
 }
 
-void Composition::restoreWindow() {
+void Composition::startReading() {
+  const std::string prefix = options_.demo ? std::string(AppViewModel::demoPrefix) : session_->startingPrefix();
   if (options_.pictured()) {
-    window_->resize(options_.size);
+    session_->openFleetNow(prefix.empty() ? std::string(AppViewModel::demoPrefix) : prefix);
+  } else if (prefix.empty()) {
+    app_->setPhase(QStringLiteral("welcome"));
+  } else {
+    openFleet(prefix);
+  }
+  if (!options_.link.isEmpty()) followLink(options_.link);
+}
+
+void Composition::openFleet(const std::string& prefix) {
+  app_->setPhase(QStringLiteral("loading"));
+  session_->openFleet(prefix);
+}
+
+void Composition::onNotification(const QString& name) {
+  if (name == u"exploreDemo") openFleet(std::string(AppViewModel::demoPrefix));
+  if (name == u"startLocalFleet") openFleet(std::string(AppViewModel::localPrefix));
+  if (name == u"signOutRequested") {
+    session_->model().clear();
+    session_->forgetChoice();
+    app_->setPhase(QStringLiteral("welcome"));
+  }
+}
+
+void Composition::followLink(const QString& address) {
+  const auto link = parseDeepLink(address);
+  if (!link) {
+    app_->toast(link.error(), QStringLiteral("overdue"));
     return;
   }
+  if (const auto* record = std::get_if<OpenRecordLink>(&*link)) {
+    const QString page = pageOfKind(record->kind);
+    if (page.isEmpty()) {
+      app_->toast(tr("This link opens a kind of record that this version does not show."), QStringLiteral("soon"));
+    } else {
+      app_->open(page, {{QStringLiteral("highlight"), record->id.toString(QUuid::WithoutBraces)}});
+    }
+  } else {
+    app_->toast(tr("A password can be reset once the fleet server is connected."), QStringLiteral("soon"));
+  }
+}
+
+void Composition::raise(const RaiseRequest& request) {
+  if (!request.activationToken.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", request.activationToken.toUtf8());
+  if (window_) {
+    if (window_->windowStates() & Qt::WindowMinimized) window_->showNormal();
+    window_->raise();
+    window_->requestActivate();
+  }
+  if (!request.deepLink.isEmpty() && session_) followLink(request.deepLink);
 }
 
 }  // namespace thalvorn::app

@@ -2,7 +2,10 @@
 
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
+#include <QTemporaryDir>
+#include <expected>
 #include <memory>
+#include <optional>
 
 #include "app/app_controller.h"
 #include "app/fleet_controller.h"
@@ -10,35 +13,58 @@
 #include "app/notices.h"
 #include "app/options.h"
 #include "app/search_model.h"
+#include "app/store_session.h"
+#include "app/window_memory.h"
 #include "base/calendar.h"
+#include "platform/desktop_settings.h"
+#include "platform/single_instance.h"
 
 namespace thalvorn::app {
 
 /// Where the program is put together: every service and controller is made here, once, and handed to the others and to
 /// QML. Nothing else creates one.
-class Composition {
+class Composition : public QObject {
+  Q_OBJECT
+
  public:
   explicit Composition(const Options& options);
-  ~Composition();
+  ~Composition() override;
 
-  /// Loads and shows the window; false when its QML has a fault (told on standard error).
+  /// Takes the store: false when another window has it (which comes to the front) and this process has nothing to do.
+  bool claimStore();
+  /// Loads and shows the window, and then reads the records. False when its QML has a fault (told on standard error).
   bool show();
 
   QQuickWindow* window() const { return window_; }
   AppController& app() { return *app_; }
+  bool hasStore() const { return session_ != nullptr; }
 
  private:
+  void openStore();
+  void makeControllers();
   void registerForQml();
-  void restoreWindow();
+  void followDesktop();
+  void startReading();
+  void openFleet(const std::string& prefix);
+  void onNotification(const QString& name);
+  void followLink(const QString& address);
+  void raise(const RaiseRequest& request);
 
   Options options_;
   SystemClock clock_;
+  std::unique_ptr<QTemporaryDir> scratch_;  ///< the store of pictures and self-tests
+  QString storeFile_;
+  QString problem_;  ///< why there is no store, for the user
+  std::unique_ptr<SingleInstance> instance_;
+  std::unique_ptr<StoreSession> session_;
   std::unique_ptr<PreferenceStore> preferences_;
+  std::unique_ptr<DesktopSettings> desktop_;
   std::unique_ptr<AppController> app_;
-  std::unique_ptr<FleetController> fleet_;
   std::unique_ptr<Format> format_;
   std::unique_ptr<Notices> notices_;
+  std::unique_ptr<FleetController> fleet_;
   std::unique_ptr<SearchModel> search_;
+  std::unique_ptr<WindowMemory> memory_;
   std::unique_ptr<QQmlApplicationEngine> engine_;
   QQuickWindow* window_ = nullptr;
 };

@@ -1,11 +1,21 @@
 #pragma once
 
 #include <QObject>
+#include <QTimer>
 #include <QVariant>
+#include <vector>
+
+#include "app/notices.h"
+#include "base/uuid.h"
+
+namespace thalvorn {
+class AppViewModel;
+struct Edit;
+}  // namespace thalvorn
 
 namespace thalvorn::app {
 
-/// The fleet as the shell shows it: the vessel switcher, the counts that need attention, the state of saving.
+/// The fleet as the shell shows it: the vessel switcher, the counts that need attention, the state of saving, undo.
 /// QML sees it as `Fleet`.
 class FleetController : public QObject {
   Q_OBJECT
@@ -13,44 +23,52 @@ class FleetController : public QObject {
   Q_PROPERTY(QString selectedVesselId READ selectedVesselId NOTIFY vesselsChanged)
   Q_PROPERTY(QVariantMap selectedVessel READ selectedVessel NOTIFY vesselsChanged)
   Q_PROPERTY(QVariantMap attention READ attention NOTIFY attentionChanged)
+  Q_PROPERTY(bool demo READ demo NOTIFY vesselsChanged)
   Q_PROPERTY(int unsaved READ unsaved NOTIFY savingChanged)
   Q_PROPERTY(QString saveText READ saveText NOTIFY savingChanged)
   Q_PROPERTY(QString saveError READ saveError NOTIFY savingChanged)
 
  public:
-  using QObject::QObject;
+  FleetController(AppViewModel& model, Notices& notices, QObject* parent = nullptr);
 
   /// In list order: {id, name, detail}.
   QVariantList vessels() const { return vessels_; }
-  QString selectedVesselId() const { return selected_; }
+  QString selectedVesselId() const;
   QVariantMap selectedVessel() const;
   /// By page id: {count, tone, meaning}.
   QVariantMap attention() const { return attention_; }
+  bool demo() const;
   /// Edits that are not on disk yet.
-  int unsaved() const { return unsaved_; }
+  int unsaved() const;
   /// "Saved" or "3 not saved".
   QString saveText() const;
   /// Why saving fails at present, and what to do; empty when all is well.
-  QString saveError() const { return saveError_; }
+  QString saveError() const;
 
   Q_INVOKABLE void selectVessel(const QString& id);
-
-  void setVessels(const QVariantList& vessels, const QString& selected);
-  void setAttention(const QVariantMap& attention);
-  void setSaving(int unsaved, const QString& error);
+  Q_INVOKABLE void retrySaving();
+  /// Takes the last edit of this session back that has not been taken back yet; false when there is none.
+  Q_INVOKABLE bool undoLast();
 
  Q_SIGNALS:
   void vesselsChanged();
   void attentionChanged();
   void savingChanged();
-  void vesselChosen(const QString& id);
 
  private:
+  void readVessels();
+  void readAttention();
+  void offerUndo(const Edit& edit);
+  void undo(const Uuid& edit);
+
+  AppViewModel& model_;
+  Notices& notices_;
   QVariantList vessels_;
-  QString selected_;
   QVariantMap attention_;
-  int unsaved_ = 0;
-  QString saveError_;
+  std::vector<Uuid> edits_;  ///< of this session, oldest first, without what was taken back
+  bool undoing_ = false;
+  QTimer recount_;  ///< gathers many changes into one count
+  QTimer minute_;   ///< time passes: what was due soon becomes overdue
 };
 
 }  // namespace thalvorn::app

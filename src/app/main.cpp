@@ -26,6 +26,7 @@ int main(int argc, char* argv[]) {
   prepareApplication();
   if (options->selfTest) collectWarnings();
   Composition composition(*options);
+  if (!composition.claimStore()) return 0;
   if (!composition.show()) return finish(QStringLiteral("The window could not be loaded."));
   if (options->selfTest) {
     const QStringList warnings = visitEveryPage(composition);

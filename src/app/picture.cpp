@@ -1,6 +1,7 @@
 #include "app/picture.h"
 
 #include <QCoreApplication>
+#include <QCursor>
 #include <QDir>
 #include <QEventLoop>
 #include <QImage>
@@ -39,6 +40,7 @@ void keepWarning(QtMsgType type, const QMessageLogContext& context, const QStrin
 
 /// Lets bindings, layouts and deferred calls come to rest.
 void settle(QQuickWindow* window) {
+  QCursor::setPos(window->geometry().bottomRight());
   for (int round = 0; round < kRounds; ++round) {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents(QEventLoop::AllEvents);
@@ -58,7 +60,7 @@ QString savePicture(Composition& composition, const QString& file) {
 QString savePictures(Composition& composition, const QString& folder) {
   if (!QDir().mkpath(folder)) return QStringLiteral("The folder %1 could not be made.").arg(folder);
   for (const char16_t* scheme : {u"light", u"dark"}) {
-    composition.app().setAppearance(QString::fromUtf16(scheme));
+    composition.app().showIn(QString::fromUtf16(scheme));
     for (const QSize& size : kSizes) {
       composition.window()->resize(size);
       for (const PageEntry& page : pageTable()) {

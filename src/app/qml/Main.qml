@@ -56,7 +56,9 @@ T.ApplicationWindow {
         anchors.margins: Theme.space4
         title: "Your changes are not saved yet"
         text: Fleet.saveError
+        actionText: "Try again"
         dismissable: false
+        onAction: Fleet.retrySaving()
     }
 
     Column {
@@ -104,7 +106,7 @@ T.ApplicationWindow {
             case "openShortcuts": shortcuts.open(); break;
             case "openAbout": about.open(); break;
             case "goBack": App.back(); break;
-            case "undoRequested": if (Notices.canUndo) Notices.undo(); break;
+            case "undoRequested": if (!Fleet.undoLast()) App.toast("There is nothing to undo.", ""); break;
             case "appearanceSystem": App.appearance = "system"; break;
             case "appearanceLight": App.appearance = "light"; break;
             case "appearanceDark": App.appearance = "dark"; break;

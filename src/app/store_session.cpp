@@ -1,0 +1,60 @@
+#include "app/store_session.h"
+
+#include <QCoroFuture>
+
+#include "store/preferences.h"
+
+namespace thalvorn::app {
+
+namespace {
+
+constexpr std::string_view kLastFleet = "thalvorn.lastFleet";
+
+}  // namespace
+
+std::expected<std::unique_ptr<StoreSession>, QString> StoreSession::open(const QString& file, const Clock& clock) {
+  auto cache = LocalCache::open(std::filesystem::path(file.toStdString()));
+  if (!cache) return std::unexpected(QString::fromStdString(cache.error().message));
+  return std::unique_ptr<StoreSession>(new StoreSession(std::move(*cache), clock));
+}
+
+StoreSession::StoreSession(std::unique_ptr<LocalCache> cache, const Clock& clock)
+    : cache_(std::move(cache)), model_(std::make_unique<AppViewModel>(*cache_, clock)) {}
+
+StoreSession::~StoreSession() = default;
+
+std::string StoreSession::startingPrefix() const {
+  const Preferences preferences(*cache_);
+  if (std::string user = preferences.text(preference_keys::userID); !user.empty()) return user;
+  return preferences.text(kLastFleet);
+}
+
+void StoreSession::noteOpened(const std::string& prefix) {
+  if (cache_->isReadOnly()) return;
+  Preferences preferences(*cache_);
+  preferences.setText(kLastFleet, prefix);
+}
+
+void StoreSession::forgetChoice() { Preferences(*cache_).remove(kLastFleet); }
+
+void StoreSession::openFleet(const std::string& prefix) { read(prefix); }
+
+QCoro::Task<void> StoreSession::read(std::string prefix) {
+  noteOpened(prefix);
+  co_await model_->reloadForUser(prefix);
+}
+
+void StoreSession::openFleetNow(const std::string& prefix) {
+  noteOpened(prefix);
+  model_->reloadNow(prefix);
+}
+
+QString CachePreferences::preference(const QString& key) const {
+  return QString::fromStdString(cache_.preference(key.toStdString()).value_or(std::string()));
+}
+
+void CachePreferences::setPreference(const QString& key, const QString& value) {
+  cache_.setPreference(key.toStdString(), value.toStdString());
+}
+
+}  // namespace thalvorn::app
