@@ -147,6 +147,18 @@ std::expected<void, CacheError> validate(const fs::path& file) {
   return {};
 }
 
+/// Lets the reading connection write for a while: SQLite takes copying the file elsewhere for writing.
+class Writing {
+ public:
+  explicit Writing(SQLite::Database& reader) : reader_(reader) { reader_.exec("PRAGMA query_only=0"); }
+  ~Writing() { reader_.tryExec("PRAGMA query_only=1"); }
+  Writing(const Writing&) = delete;
+  Writing& operator=(const Writing&) = delete;
+
+ private:
+  SQLite::Database& reader_;
+};
+
 /// Takes the session keys out so that their bytes are gone, not only their rows.
 void removeSessionKeys(const fs::path& file) {
   const auto database = connect(file);
@@ -201,6 +213,7 @@ std::expected<void, CacheError> backupFile(SQLite::Database& reader, const fs::p
   if (auto made = createPrivateFile(part); !made) return made;
   std::expected<void, CacheError> result;
   try {
+    const Writing writing(reader);
     Statement copy(reader, "VACUUM INTO ?");
     copy.bind(1, part.string());
     copy.exec();
