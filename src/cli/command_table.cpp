@@ -1,0 +1,221 @@
+#include <algorithm>
+#include <array>
+
+#include "cli/commands.h"
+
+namespace thalvorn::cli {
+namespace {
+
+constexpr Option kVesselFilter{"--vessel", "VESSEL", "of this vessel only"};
+constexpr Option kVesselTarget{.name = "--vessel", .value = "VESSEL", .help = "for this vessel", .required = true};
+constexpr Option kReason{
+    .name = "--reason", .value = "TEXT", .help = "why; it stays in the meter’s history", .required = true};
+
+constexpr std::array kList{kVesselFilter};
+
+constexpr std::array kBoard{
+    kVesselFilter,
+    Option{"--sort", "name|category|due|status", "the order; status without it"},
+    Option{"--descending", "", "the other way round"},
+    Option{"--kind", "planned|squawk|warranty", "of this kind only, in the counters too"},
+};
+
+constexpr std::array kComplete{
+    Option{"--on", "TIME", "when the work was done; now without it"},
+    Option{"--notes", "TEXT", "technician notes"},
+    Option{"--cost", "AMOUNT", "labor cost"},
+    Option{"--by", "NAME", "who did it"},
+    Option{.name = "--meter", .value = "METER=HOURS", .help = "a reading taken during the work", .repeatable = true},
+    Option{.name = "--part",
+           .value = "\"NAME;QTY;NUMBER;COST\"",
+           .help = "a part used; all but the name may be left out",
+           .repeatable = true},
+};
+
+constexpr std::array kSnooze{
+    Option{.name = "--until", .value = "TIME", .help = "when it is to be flagged again", .required = true}};
+
+constexpr std::array kAdjust{kReason};
+
+constexpr std::array kTemplates{
+    Option{"--search", "TEXT", "with these words in title, category or notes"},
+    Option{"--category", "CATEGORY", "of this category only"},
+};
+
+constexpr std::array kAddTemplates{kVesselTarget,
+                                   Option{"--start", "DATE", "intervals count from this day; today without it"}};
+
+constexpr std::array kImport{kVesselTarget, Option{"--dry-run", "", "read and report, add nothing"}};
+
+constexpr std::array kHistory{
+    kVesselFilter,
+    Option{"--task", "TASKID", "of this task only"},
+    Option{"--from", "DATE", "services from this day on"},
+    Option{"--to", "DATE", "services until the end of this day"},
+};
+
+constexpr std::array kCommands{
+    Command{.name = "board",
+            .operands = "",
+            .options = kBoard,
+            .summary = "Show the maintenance board: what is overdue, due soon and on track",
+            .details = "Snoozed tasks are shown but not counted.",
+            .run = showBoard},
+    Command{.name = "complete",
+            .operands = "TASKID",
+            .fewestOperands = 1,
+            .mostOperands = 1,
+            .options = kComplete,
+            .access = Access::edits,
+            .summary = "Complete a task: write its service log, raise the meters, move it to its next due point",
+            .details = "Meters only count up: a reading lower than the meter’s is not taken.\n"
+                       "Prints {\"log\":…,\"task\":…,\"vessel\":…}.",
+            .run = completeOne},
+    Command{.name = "snooze",
+            .operands = "TASKID",
+            .fewestOperands = 1,
+            .mostOperands = 1,
+            .options = kSnooze,
+            .access = Access::edits,
+            .summary = "Silence a task until a moment to come",
+            .details = {},
+            .run = snooze},
+    Command{.name = "unsnooze",
+            .operands = "TASKID",
+            .fewestOperands = 1,
+            .mostOperands = 1,
+            .options = {},
+            .access = Access::edits,
+            .summary = "End a task’s snooze",
+            .details = {},
+            .run = unsnooze},
+    Command{.name = "meters",
+            .operands = "VESSEL [METER=HOURS]…",
+            .fewestOperands = 1,
+            .mostOperands = kManyOperands,
+            .options = {},
+            .access = Access::edits,
+            .summary = "Show or raise a vessel’s hour meters",
+            .details =
+                "Meters are engine, engine2, engine3, generator1, generator2 and hydraulic. They only count up;\n"
+                "correct-meter puts a mistyped one right.",
+            .run = showOrRaiseMeters},
+    Command{.name = "correct-meter",
+            .operands = "VESSEL METER=HOURS",
+            .fewestOperands = 2,
+            .mostOperands = 2,
+            .options = kAdjust,
+            .access = Access::edits,
+            .summary = "Put a mistyped hour meter right",
+            .details = {},
+            .run = correctMeterReading},
+    Command{.name = "replace-meter",
+            .operands = "VESSEL METER=HOURS",
+            .fewestOperands = 2,
+            .mostOperands = 2,
+            .options = kAdjust,
+            .access = Access::edits,
+            .summary = "Record that a new hour meter was fitted and what it starts at",
+            .details = "Tasks that wait for the meter keep the hours they still have to run.",
+            .run = recordMeterReplacement},
+    Command{.name = "history",
+            .operands = "",
+            .options = kHistory,
+            .summary = "Show the service history with its costs",
+            .details = {},
+            .run = showHistory},
+    Command{.name = "templates",
+            .operands = "",
+            .options = kTemplates,
+            .access = Access::upkeep,
+            .summary = "Show the template library",
+            .details = {},
+            .run = showTemplates},
+    Command{.name = "add-templates",
+            .operands = "TITLE…",
+            .fewestOperands = 1,
+            .mostOperands = kManyOperands,
+            .options = kAddTemplates,
+            .access = Access::edits,
+            .summary = "Add tasks from the template library to a vessel",
+            .details = "All or none: a title that is not in the library or stands there twice is refused.",
+            .run = addTemplates},
+    Command{.name = "import-tasks",
+            .operands = "FILE",
+            .fewestOperands = 1,
+            .mostOperands = 1,
+            .options = kImport,
+            .access = Access::edits,
+            .input = Input::forDash,
+            .summary = "Import tasks from a CSV file (- is standard input)",
+            .details = "Prints {\"valid\":n,\"skipped\":n,\"rows\":[…]}.",
+            .run = importTasks},
+    Command{
+        .name = "list",
+        .operands = "COLLECTION",
+        .fewestOperands = 1,
+        .mostOperands = 1,
+        .options = kList,
+        .summary = "Print a collection’s records as a JSON list",
+        .details = "COLLECTION is vessels, tasks, logs, shipsLog and so on; a wrong one is answered with all of them.",
+        .run = listRecords},
+    Command{.name = "put",
+            .operands = "COLLECTION",
+            .fewestOperands = 1,
+            .mostOperands = 1,
+            .options = {},
+            .access = Access::edits,
+            .createsStore = true,
+            .input = Input::always,
+            .summary = "Add or replace records, read as JSON from standard input",
+            .details =
+                "Reads one record or a list; a record replaces the one with its id, one without an id gets a new one.\n"
+                "When one record of a list is not right, none is stored. Prints the records as stored.",
+            .run = putRecords},
+    Command{.name = "delete",
+            .operands = "COLLECTION ID",
+            .fewestOperands = 2,
+            .mostOperands = 2,
+            .options = {},
+            .access = Access::edits,
+            .summary = "Delete a record; a vessel goes with everything that hangs on it",
+            .details = {},
+            .run = deleteRecord},
+    Command{.name = "check",
+            .operands = "",
+            .options = {},
+            .access = Access::upkeep,
+            .summary = "Verify the store’s file and say what was found",
+            .details = "The exit status is 1 when the store is not sound.",
+            .run = checkStore},
+    Command{.name = "backup",
+            .operands = "FILE",
+            .fewestOperands = 1,
+            .mostOperands = 1,
+            .options = {},
+            .access = Access::upkeep,
+            .summary = "Write a consistent copy of the store, without session keys",
+            .details = {},
+            .run = backUpStore},
+    Command{.name = "restore",
+            .operands = "FILE",
+            .fewestOperands = 1,
+            .mostOperands = 1,
+            .options = {},
+            .access = Access::replacesFile,
+            .createsStore = true,
+            .summary = "Put a backup in the store’s place and keep what was there",
+            .details = {},
+            .run = restoreStore},
+};
+
+}  // namespace
+
+std::span<const Command> commandTable() { return kCommands; }
+
+const Command* findCommand(std::string_view name) {
+  const auto found = std::ranges::find(kCommands, name, &Command::name);
+  return found == kCommands.end() ? nullptr : &*found;
+}
+
+}  // namespace thalvorn::cli

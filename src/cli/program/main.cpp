@@ -1,0 +1,147 @@
+// thalvorn-cli: works on the store itself, or has the window that holds the store carry the command out.
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QLoggingCategory>
+#include <QUtf8StringView>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+#include "cli/execution.h"
+#include "platform/store_access.h"
+#include "platform/user_folders.h"
+
+namespace {
+
+using namespace thalvorn;
+using namespace thalvorn::cli;
+
+constexpr std::chrono::milliseconds kWaitForOtherCommands = std::chrono::minutes(1);
+
+/// Takes the places of closed standard streams, so that no file of the program is opened there and written into; using
+/// them still fails.
+void occupyStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+std::expected<std::string, std::string> readAllInput() {
+  if (::isatty(STDIN_FILENO) != 0)
+    fmt::print(stderr, "Reading from the terminal; end with Ctrl+D on a line of its own.\n");
+  std::string input;
+  std::array<char, 1 << 16> block{};
+  for (;;) {
+    const ssize_t count = ::read(STDIN_FILENO, block.data(), block.size());
+    if (count == 0) return input;
+    if (count > 0) {
+      input.append(block.data(), static_cast<std::size_t>(count));
+    } else if (errno != EINTR) {
+      return std::unexpected(fmt::format("Standard input cannot be read: {}.", std::strerror(errno)));
+    }
+  }
+}
+
+/// False when not everything could be written.
+bool writeAll(int to, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = ::write(to, text.data(), text.size());
+    if (count > 0) {
+      text.remove_prefix(static_cast<std::size_t>(count));
+    } else if (count < 0 && errno != EINTR) {
+      return false;
+    }
+  }
+  return true;
+}
+
+int print(const CommandResult& result) {
+  const bool written = writeAll(STDOUT_FILENO, result.out);
+  const int problem = errno;
+  writeAll(STDERR_FILENO, result.err);
+  if (written) return result.exit;
+  // Whoever closes a pipe early has read enough.
+  if (problem != EPIPE && result.exit == kDone) {
+    writeAll(STDERR_FILENO,
+             fmt::format("thalvorn-cli: The command was carried out, but its output cannot be written: {}.\n",
+                         std::strerror(problem)));
+  }
+  return result.exit == kDone ? kRefused : result.exit;
+}
+
+std::expected<QString, CommandResult> storePath(const CommandLine& line) {
+  if (line.storeFile) return canonicalStorePath(QFile::decodeName(line.storeFile->c_str()));
+  const auto folder = dataFolder();
+  if (!folder) return std::unexpected(refused(folder.error().toStdString()));
+  return canonicalStorePath(*folder + QLatin1StringView("/thalvorn.db"));
+}
+
+CommandResult refusedBy(const InstanceError& error) { return refused(error.message.toStdString()); }
+
+CommandResult handOver(const InstanceClient& window, const CommandLine& line, const std::vector<std::string>& words,
+                       const Surroundings& surroundings) {
+  const auto now = moment(line, Calendar::ofThisComputer());
+  if (!now) return explained(now.error(), line.command);
+  const auto reply = window.runAndWait({.arguments = words,
+                                        .input = QByteArray::fromStdString(*surroundings.input),
+                                        .workingDirectory = surroundings.workingDirectory.string(),
+                                        .now = *now});
+  if (!reply) return explained(refusedBy(reply.error()), line.command);
+  return {reply->exitStatus, reply->output.toStdString(), reply->errorOutput.toStdString()};
+}
+
+CommandResult carryOut(const CommandLine& line, const std::vector<std::string>& words) {
+  const auto store = storePath(line);
+  if (!store) return explained(store.error(), line.command);
+  Surroundings surroundings;
+  surroundings.storeFile = QFile::encodeName(*store).toStdString();
+  std::error_code error;
+  surroundings.workingDirectory = std::filesystem::current_path(error);
+  if (!line.command->createsStore && !std::filesystem::exists(surroundings.storeFile, error)) {
+    return explained(refused(fmt::format("There is no store {}. The commands demo, put and restore make one.",
+                                         surroundings.storeFile.string())),
+                     line.command);
+  }
+  if (line.wantsInput()) {
+    auto input = readAllInput();
+    if (!input) return explained(refused(input.error()), line.command);
+    surroundings.input = std::make_shared<const std::string>(std::move(*input));
+  }
+  const auto claimed = claimForCommand(*store, kWaitForOtherCommands);
+  if (!claimed) return explained(refusedBy(claimed.error()), line.command);
+  if (const auto* window = std::get_if<InstanceClient>(&*claimed)) return handOver(*window, line, words, surroundings);
+  return explained(runInThisProcess(line, surroundings), line.command);
+}
+
+CommandResult run(const std::vector<std::string>& words) {
+  for (const std::string& word : words)
+    if (!QUtf8StringView(word.data(), static_cast<qsizetype>(word.size())).isValidUtf8())
+      return explained(misused("An argument is not UTF-8 text."), nullptr);
+  const auto line = parseCommandLine(words);
+  if (!line) return line.error();
+  if (auto answer = answerWithoutStore(*line)) return explained(std::move(*answer), line->command);
+  return carryOut(*line, words);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  occupyStandardStreams();
+  std::signal(SIGPIPE, SIG_IGN);
+  const std::vector<std::string> words(argv + 1, argv + argc);
+  const QCoreApplication application(argc, argv);
+  QLoggingCategory::setFilterRules(QStringLiteral("thalvorn.*.info=false\nthalvorn.*.debug=false"));
+  qSetMessagePattern(QStringLiteral("%{message}"));
+  try {
+    return print(run(words));
+  } catch (const std::exception& problem) {
+    return print(explained(refused(fmt::format("The command failed: {}.", problem.what())), nullptr));
+  }
+}

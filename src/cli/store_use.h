@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QCoroTask>
+#include <expected>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/command.h"
+#include "core/maintenance_task.h"
+#include "core/vessel.h"
+#include "store/app_view_model.h"
+
+/// What several commands ask of the store.
+namespace thalvorn::cli {
+
+/// Finishes when the edit is on disk. The error is the refusal to print: the store's own, or why it cannot be saved.
+QCoro::Task<std::expected<void, CommandResult>> whenSaved(CommandContext context, Saving saving);
+
+/// The vessel by id, by name without regard to case, or by the unmistakable beginning of its name.
+std::expected<const Vessel*, std::string> findVessel(const AppViewModel& store, std::string_view nameOrID);
+
+/// The value of `--vessel`; null when it is not given.
+std::expected<const Vessel*, CommandResult> vesselOption(const AppViewModel& store, const Arguments& arguments);
+
+std::expected<const MaintenanceTask*, CommandResult> findTask(const AppViewModel& store, std::string_view id);
+
+/// The name of a vessel; empty when it is not in the fleet.
+std::string vesselName(const AppViewModel& store, const Uuid& id);
+
+}  // namespace thalvorn::cli

@@ -1,0 +1,156 @@
+#include "cli/values.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <QString>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <vector>
+
+#include "base/csv.h"
+#include "base/date_format.h"
+
+namespace thalvorn::cli {
+namespace {
+
+constexpr double kMostHours = 1e6;
+constexpr double kMostParts = 1e6;
+constexpr double kMostMoney = 1e9;
+
+QString text(std::string_view utf8) { return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size())); }
+
+struct Alias {
+  std::string_view name;
+  std::size_t index;
+};
+
+/// The case that goes by `name`: its stored text, its display text or another name it has.
+template <class E>
+std::optional<E> namedCase(std::string_view name, std::span<const Alias> aliases = {}) {
+  const auto& table = EnumTexts<E>::table;
+  for (std::size_t i = 0; i < table.size(); ++i)
+    if (equalIgnoringCase(name, table[i].raw) || equalIgnoringCase(name, table[i].display)) return static_cast<E>(i);
+  for (const Alias& alias : aliases)
+    if (equalIgnoringCase(name, alias.name)) return static_cast<E>(alias.index);
+  return std::nullopt;
+}
+
+template <class E>
+std::string storedNames() {
+  std::vector<std::string_view> names;
+  for (const EnumText& each : EnumTexts<E>::table) names.push_back(each.raw);
+  return fmt::format("{}", fmt::join(names, ", "));
+}
+
+}  // namespace
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) {
+  return QString::compare(text(a), text(b), Qt::CaseInsensitive) == 0;
+}
+
+bool startsIgnoringCase(std::string_view whole, std::string_view beginning) {
+  return text(whole).startsWith(text(beginning), Qt::CaseInsensitive);
+}
+
+bool aWordStartsIgnoringCase(std::string_view whole, std::string_view beginning) {
+  for (std::size_t blank = whole.find(' '); blank != std::string_view::npos; blank = whole.find(' ', blank + 1))
+    if (startsIgnoringCase(whole.substr(blank + 1), beginning)) return true;
+  return false;
+}
+
+Read<Timestamp> readMoment(std::string_view written, const Calendar& calendar) {
+  std::string moment(written);
+  if ((moment.size() == 16 || moment.size() == 19) && (moment[10] == 'T' || moment[10] == 't')) moment[10] = ' ';
+  const auto time = parseSpreadsheetDateTime(moment, calendar);
+  if (time && isCalendarTime(*time)) return *time;
+  return std::unexpected(
+      fmt::format("“{}” is not a time; write 2026-01-31, \"2026-01-31 08:00\" or 2026-01-31T08:00:00Z.", written));
+}
+
+Read<Timestamp> readPeriodEnd(std::string_view written, const Calendar& calendar) {
+  const auto moment = readMoment(written, calendar);
+  constexpr std::size_t dateLength = 10;
+  if (!moment || written.size() != dateLength) return moment;
+  return calendar.addDays(*moment, 1).value_or(*moment) - std::chrono::seconds(1);
+}
+
+Read<double> readNumber(std::string_view written, std::string_view what, double minimum, double maximum) {
+  double number = 0;
+  const char* const end = written.data() + written.size();
+  const auto [stopped, problem] = std::from_chars(written.data(), end, number);
+  if (written.empty() || stopped != end || (problem != std::errc{} && problem != std::errc::result_out_of_range))
+    return std::unexpected(fmt::format("“{}” is not a number for {}; write it like 1234.5.", written, what));
+  if (problem == std::errc::result_out_of_range || !std::isfinite(number) || number < minimum || number > maximum)
+    return std::unexpected(
+        fmt::format("{} must lie between {} and {}, and {} does not.", what, minimum, maximum, written));
+  return number;
+}
+
+Read<HourSource> readHourSource(std::string_view name) {
+  constexpr std::array aliases{Alias{"engine1", 0}, Alias{"gen1", 3}, Alias{"gen2", 4}, Alias{"Gen 1", 3},
+                               Alias{"Gen 2", 4}};
+  if (const auto source = namedCase<HourSource>(name, aliases)) return *source;
+  return std::unexpected(fmt::format("There is no meter “{}”; the meters are {}.", name, storedNames<HourSource>()));
+}
+
+Read<std::pair<HourSource, double>> readMeter(std::string_view written) {
+  const std::size_t equals = written.find('=');
+  if (equals == std::string_view::npos)
+    return std::unexpected(fmt::format("“{}” is not a meter reading; write it like engine2=1234.5.", written));
+  const auto source = readHourSource(written.substr(0, equals));
+  if (!source) return std::unexpected(source.error());
+  const auto hours = readNumber(written.substr(equals + 1), "the reading", 0, kMostHours);
+  if (!hours) return std::unexpected(hours.error());
+  return std::pair{*source, *hours};
+}
+
+Read<PartUsage> readPart(std::string_view written) {
+  PartUsage part{.id = Uuid::random(), .name = {}, .quantity = 1, .partNumber = {}, .cost = {}};
+  std::string quantity;
+  std::string cost;
+  bool tooMany = false;
+  readCsv(CsvSource{written, CsvSeparator::semicolon, 1}, [&](const CsvRow& row) {
+    part.name = row.cell(0);
+    quantity = row.cell(1);
+    part.partNumber = row.cell(2);
+    cost = row.cell(3);
+    tooMany = row.cells.size() > 4;
+    return false;
+  });
+  if (part.name.empty() || tooMany)
+    return std::unexpected(fmt::format(
+        "“{}” is not a part; write NAME;QUANTITY;NUMBER;COST, as in \"Oil filter;2;1R-0739;38.50\".", written));
+  if (!quantity.empty()) {
+    const auto number = readNumber(quantity, "the quantity of a part", 0, kMostParts);
+    if (!number) return std::unexpected(number.error());
+    part.quantity = *number;
+  }
+  if (!cost.empty()) {
+    const auto number = readNumber(cost, "the cost of a part", 0, kMostMoney);
+    if (!number) return std::unexpected(number.error());
+    part.cost = *number;
+  }
+  return part;
+}
+
+Read<TaskKind> readKind(std::string_view name) {
+  constexpr std::array aliases{Alias{"plannedMaintenance", 0}, Alias{"deficiencySquawk", 1}};
+  if (const auto kind = namedCase<TaskKind>(name, aliases)) return *kind;
+  return std::unexpected(fmt::format("There is no kind “{}”; the kinds are {}.", name, storedNames<TaskKind>()));
+}
+
+Read<TaskCategory> readCategory(std::string_view name) {
+  if (const auto category = namedCase<TaskCategory>(name)) return *category;
+  std::vector<std::string_view> begun;
+  for (const EnumText& each : EnumTexts<TaskCategory>::table)
+    if (!name.empty() && startsIgnoringCase(each.raw, name)) begun.push_back(each.raw);
+  if (begun.size() == 1) return *caseFromRaw<TaskCategory>(begun.front());
+  if (begun.empty())
+    return std::unexpected(
+        fmt::format("There is no category “{}”; the categories are {}.", name, storedNames<TaskCategory>()));
+  return std::unexpected(fmt::format("“{}” may mean {}; write more of the name.", name, fmt::join(begun, " or ")));
+}
+
+}  // namespace thalvorn::cli
