@@ -187,9 +187,13 @@ void LocalCache::replaceAll(std::string prefix, std::map<std::string, std::vecto
   const std::size_t bytes = impl_->writer.options().segmentBytes;
   impl_->writer.write(
       [prefix = std::move(prefix), records = std::move(records), bytes](SQLite::Database& database) {
-        for (const char* sql : {"DELETE FROM segment WHERE prefix = ?", "DELETE FROM journal WHERE prefix = ?",
-                                "DELETE FROM sent WHERE prefix = ?", "UPDATE fold SET token = 0 WHERE prefix = ?"}) {
-          Statement statement(database, sql);
+        Statement mark(database,
+                       "INSERT INTO fold(prefix, revision, token) VALUES(?, ?, 0) ON CONFLICT(prefix)"
+                       " DO UPDATE SET revision = excluded.revision, token = 0");
+        SQLite::bind(mark, prefix, lastRevision(database));
+        mark.exec();
+        for (const char* table : {"segment", "journal", "sent"}) {
+          Statement statement(database, std::string("DELETE FROM ") + table + " WHERE prefix = ?");
           statement.bind(1, prefix);
           statement.exec();
         }

@@ -20,14 +20,15 @@ using Kind = CacheError::Kind;
 constexpr int kBusyMilliseconds = 5000;
 
 /// `key` is what one entry is called; `pending` segments belong to a fold that has not finished and are not seen before
-/// the prefix's fold has reached that revision. Revisions are never used twice, whatever is deleted (AUTOINCREMENT).
+/// the prefix's fold has reached that revision. Journal rows go only up to their prefix's fold mark, so journal and
+/// marks together know the last revision ever given, and none is used twice.
 constexpr const char* kSchema = R"sql(
   CREATE TABLE segment(
     prefix TEXT NOT NULL, suffix TEXT NOT NULL, position INTEGER NOT NULL, pending INTEGER NOT NULL DEFAULT 0,
     json TEXT NOT NULL, key TEXT GENERATED ALWAYS AS (prefix || suffix) VIRTUAL,
     PRIMARY KEY(prefix, suffix, position));
   CREATE TABLE journal(
-    revision INTEGER PRIMARY KEY AUTOINCREMENT, prefix TEXT NOT NULL, at INTEGER NOT NULL, label TEXT NOT NULL,
+    revision INTEGER PRIMARY KEY, prefix TEXT NOT NULL, at INTEGER NOT NULL, label TEXT NOT NULL,
     changes TEXT NOT NULL);
   CREATE TABLE fold(
     prefix TEXT PRIMARY KEY, revision INTEGER NOT NULL DEFAULT 0, token INTEGER NOT NULL DEFAULT 0) WITHOUT ROWID;

@@ -12,6 +12,11 @@ namespace {
 /// From this size on, the log is moved into the file without waiting for an idle moment; pages of 4 KiB.
 constexpr int kCheckpointPages = 1000;
 
+constexpr const char* kLastRevision =
+    "SELECT max(coalesce((SELECT max(revision) FROM journal), 0), coalesce((SELECT max(revision) FROM fold), 0))";
+const std::string kInsert = std::string("INSERT INTO journal(revision, prefix, at, label, changes) VALUES((") +
+                            kLastRevision + ") + 1, ?, ?, ?, ?)";
+
 void countWaiting(SQLite::Database& database, std::size_t& edits, std::size_t& bytes) {
   SQLite::Statement query(database,
                           "SELECT count(*), coalesce(sum(length(changes)), 0) FROM journal LEFT JOIN fold USING(prefix)"
@@ -23,16 +28,12 @@ void countWaiting(SQLite::Database& database, std::size_t& edits, std::size_t& b
 
 }  // namespace
 
-Revision lastRevision(SQLite::Database& database) {
-  SQLite::Statement query(database, "SELECT seq FROM sqlite_sequence WHERE name = 'journal'");
-  return query.executeStep() ? query.getColumn(0).getInt64() : 0;
-}
+Revision lastRevision(SQLite::Database& database) { return database.execAndGet(kLastRevision).getInt64(); }
 
 CacheWriter::CacheWriter(CacheFile& file, LocalCache::Options options)
     : file_(file), options_(std::move(options)), lastWrite_(std::chrono::steady_clock::now()) {
   if (file_.writer) {
-    insert_ = std::make_unique<SQLite::Statement>(*file_.writer,
-                                                  "INSERT INTO journal(prefix, at, label, changes) VALUES(?, ?, ?, ?)");
+    insert_ = std::make_unique<SQLite::Statement>(*file_.writer, kInsert);
     countWaiting(*file_.writer, waitingEdits_, waitingBytes_);
     checkpointer_ = std::make_unique<Checkpointer>(file_.path);
     // The hook takes the place of SQLite's own checkpoints, which would run inside an edit.
