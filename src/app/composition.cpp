@@ -75,6 +75,7 @@ Composition::~Composition() {
   // The window goes first: its bindings refer to everything else.
   memory_.reset();
   engine_.reset();
+  services_.reset();
 }
 
 bool Composition::claimStore() {
@@ -185,6 +186,15 @@ void Composition::startReading() {
     openFleet(prefix);
   }
   if (!options_.link.isEmpty()) followLink(options_.link);
+  offerToDesktop();
+}
+
+void Composition::offerToDesktop() {
+  if (options_.pictured() || services_) return;
+  services_ = std::make_unique<DesktopServices>(session_->model(), *app_);
+  connect(services_.get(), &DesktopServices::raiseRequested, this,
+          [this](const QString& token) { raise({.activationToken = token}); });
+  connect(services_.get(), &DesktopServices::searchWords, search_.get(), &SearchModel::setWords);
 }
 
 void Composition::openFleet(const std::string& prefix) {

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "app/app_controller.h"
+#include "app/desktop_services.h"
 #include "app/fleet_controller.h"
 #include "app/format.h"
 #include "app/notices.h"
@@ -45,6 +46,7 @@ class Composition : public QObject {
   void registerForQml();
   void followDesktop();
   void startReading();
+  void offerToDesktop();
   void openFleet(const std::string& prefix);
   void onNotification(const QString& name);
   void followLink(const QString& address);
@@ -65,6 +67,7 @@ class Composition : public QObject {
   std::unique_ptr<FleetController> fleet_;
   std::unique_ptr<SearchModel> search_;
   std::unique_ptr<WindowMemory> memory_;
+  std::unique_ptr<DesktopServices> services_;
   std::unique_ptr<QQmlApplicationEngine> engine_;
   QQuickWindow* window_ = nullptr;
 };
