@@ -20,6 +20,7 @@ namespace thalvorn::app {
 namespace {
 
 constexpr int kMajor = 1;
+constexpr int kAside = 100;
 
 /// Keeps preferences for the length of one run, where there is no store to keep them in.
 class PassingPreferences : public PreferenceStore {
@@ -165,7 +166,8 @@ bool Composition::show() {
   window_ = qobject_cast<QQuickWindow*>(engine_->rootObjects().constFirst());
   if (!window_) return false;
   if (options_.pictured()) {
-    window_->resize(options_.size);
+    // Away from the pointer, which would hover over what lies below it.
+    window_->setGeometry(QRect(QPoint(kAside, kAside), options_.size));
   } else {
     memory_ = std::make_unique<WindowMemory>(*window_, *preferences_);
     // The window shows first; the records are read behind its first picture.

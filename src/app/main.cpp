@@ -32,6 +32,7 @@ int main(int argc, char* argv[]) {
     const QStringList warnings = visitEveryPage(composition);
     return finish(warnings.isEmpty() ? QString() : QStringLiteral("%1 warning(s)").arg(warnings.size()));
   }
+  if (!options->post.isEmpty()) composition.app().post(options->post);
   if (!options->screenshots.isEmpty()) return finish(savePictures(composition, options->screenshots));
   if (!options->screenshot.isEmpty()) return finish(savePicture(composition, options->screenshot));
   return QGuiApplication::exec();

@@ -35,6 +35,7 @@ std::expected<Options, OptionsEnd> parseOptions(const QStringList& arguments) {
   const auto screenshot = add(u"screenshot", u"Save a picture of the window and end.", u"file");
   const auto screenshots = add(u"screenshots", u"Save pictures of every page and end.", u"folder");
   const auto page = add(u"page", u"Open this page first.", u"name");
+  const auto post = add(u"post", u"Post this notification once the page is open, e.g. openSearch.", u"name");
   const auto size = add(u"size", u"Size of the window in pictures.", u"WxH");
   const auto scheme = add(u"scheme", u"Colours: light or dark.", u"scheme");
   parser.addPositionalArgument(QStringLiteral("link"), QStringLiteral("A thalvorn:// link to follow."),
@@ -52,6 +53,7 @@ std::expected<Options, OptionsEnd> parseOptions(const QStringList& arguments) {
   options.screenshot = parser.value(screenshot);
   options.screenshots = parser.value(screenshots);
   options.page = parser.value(page);
+  options.post = parser.value(post);
   options.scheme = parser.value(scheme);
   if (!options.page.isEmpty() && !findPage(options.page)) {
     return refuse(QStringLiteral("There is no page named “%1”.").arg(options.page));

@@ -15,6 +15,7 @@ struct Options {
   QString screenshot;     ///< save a picture of the window here and end
   QString screenshots;    ///< save pictures of every page into this folder and end
   QString page;           ///< page to open first
+  QString post;           ///< a menu command's notification to post once the page is open
   QSize size{1366, 768};  ///< of the window in pictures
   QString scheme;         ///< "light" or "dark"; empty = as set
   QString link;           ///< a deep link to follow

@@ -1,7 +1,6 @@
 #include "app/picture.h"
 
 #include <QCoreApplication>
-#include <QCursor>
 #include <QDir>
 #include <QEventLoop>
 #include <QImage>
@@ -40,7 +39,6 @@ void keepWarning(QtMsgType type, const QMessageLogContext& context, const QStrin
 
 /// Lets bindings, layouts and deferred calls come to rest.
 void settle(QQuickWindow* window) {
-  QCursor::setPos(window->geometry().bottomRight());
   for (int round = 0; round < kRounds; ++round) {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents(QEventLoop::AllEvents);

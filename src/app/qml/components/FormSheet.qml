@@ -46,12 +46,16 @@ ModalBase {
 
     width: Math.min(Math.max(Theme.sheetMin, Math.min(Theme.sheetMax, sheetWidth)), parent ? parent.width - Theme.space8 : Theme.sheetMin)
     height: Math.min(implicitHeight, parent ? parent.height - Theme.space8 : implicitHeight)
-    implicitHeight: header.implicitHeight + column.implicitHeight + Theme.sheetPadding * 2 + foot.implicitHeight
-                    + (banner.visible ? banner.implicitHeight + Theme.space3 : 0) + 2
+    implicitHeight: headHeight + column.implicitHeight + Theme.sheetPadding * 2 + footHeight
+                    + (banner.visible ? banner.implicitHeight + Theme.sheetPadding : 0) + 2
     onOpened: {
-        if (!root.contentItem.activeFocus || root.contentItem.Window.activeFocusItem === closeButton)
+        const item = root.contentItem.Window.activeFocusItem;
+        if (!item || item === root.contentItem || item === closeButton)
             firstField();
     }
+
+    readonly property int headHeight: titles.implicitHeight + Theme.space4 * 2
+    readonly property int footHeight: Theme.controlHeight + Theme.space3 * 2
 
     function firstField() {
         const next = column.nextItemInFocusChain(true);
@@ -72,13 +76,11 @@ ModalBase {
             spacing: 0
 
             RowLayout {
-                id: header
                 spacing: Theme.space3
                 Layout.fillWidth: true
-                Layout.margins: Theme.sheetPadding
-                Layout.topMargin: Theme.space4
-                Layout.bottomMargin: Theme.space4
-                implicitHeight: titles.implicitHeight + Theme.space4 * 2
+                Layout.preferredHeight: root.headHeight
+                Layout.leftMargin: Theme.sheetPadding
+                Layout.rightMargin: Theme.space3
                 ColumnLayout {
                     id: titles
                     spacing: 1
@@ -137,10 +139,9 @@ ModalBase {
 
             Divider { Layout.fillWidth: true }
             RowLayout {
-                id: foot
                 spacing: Theme.space2
-                implicitHeight: Theme.controlHeight + Theme.space3 * 2
                 Layout.fillWidth: true
+                Layout.preferredHeight: root.footHeight
                 Layout.leftMargin: Theme.sheetPadding
                 Layout.rightMargin: Theme.sheetPadding
                 RowLayout { id: footSlot; spacing: Theme.space2 }

@@ -20,6 +20,13 @@ Page {
     ]
     help: Component { AppText { text: "Shows how the parts of the program look."; wrapMode: Text.Wrap } }
 
+    onPosted: (name) => {
+        if (name === "newRecord")
+            sheet.open();
+        else if (name === "printPage")
+            confirm.open();
+    }
+
     Flickable {
         id: flick
         anchors.fill: parent

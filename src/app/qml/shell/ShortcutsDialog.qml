@@ -29,7 +29,7 @@ ModalBase {
             Layout.fillWidth: true
             Layout.fillHeight: true
             Layout.leftMargin: Theme.sheetPadding
-            Layout.rightMargin: Theme.sheetPadding
+            Layout.rightMargin: Theme.space2
             topMargin: Theme.space2
             bottomMargin: Theme.space3
             clip: true
@@ -41,7 +41,7 @@ ModalBase {
             }
             delegate: RowLayout {
                 required property var modelData
-                width: ListView.view ? ListView.view.width : 0
+                width: ListView.view ? ListView.view.width - Theme.space3 : 0
                 height: 32
                 AppText { text: modelData.title; Layout.fillWidth: true }
                 AppText { text: modelData.shown; variant: "smallMedium"; color: Theme.mute }
