@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QFont>
+#include <QRgb>
+#include <QString>
+#include <QStringList>
+#include <cstdint>
+
+/// How paper looks: the one home of its type, colours and measures. All lengths are in points (1/72 inch).
+namespace thalvorn::paper {
+
+enum class TextStyle : std::uint8_t {
+  title,
+  subtitle,
+  heading,
+  cardTitle,
+  columnHead,
+  body,
+  strong,
+  muted,
+  caption,
+  captionStrong,
+};
+inline constexpr int textStyleCount = 10;
+
+struct StyleFacts {
+  double size;
+  double lineHeight;
+  bool heavy;  ///< the heavier of the two weights in use
+  QRgb colour;
+};
+
+const StyleFacts& facts(TextStyle style);
+
+enum class LineStyle : std::uint8_t { hairline, rule, frame, mark };
+
+struct LineFacts {
+  double width;
+  QRgb colour;
+};
+
+const LineFacts& facts(LineStyle style);
+
+inline constexpr double sideMargin = 36;
+inline constexpr double topMargin = 32;
+inline constexpr double bottomMargin = 24;
+inline constexpr double footHeight = 22;
+inline constexpr double cellPadding = 6;   ///< left and right in a table's cell
+inline constexpr double rowPadding = 4.6;  ///< above and below the text of a row
+inline constexpr double blockGap = 14;     ///< between blocks
+inline constexpr double framePadding = 9;  ///< inside a frame
+inline constexpr double tickBoxSize = 7.5;
+inline constexpr double tickBoxIndent = 13;     ///< from a tick box's left edge to the text after it
+inline constexpr double photoResolution = 200;  ///< dots per inch kept of a photo
+
+/// Loads the bundled typeface once; false when it is missing from the program.
+bool loadFonts();
+
+/// The font of a weight in any script: the bundled typeface first, then named ones for other scripts and emoji, the
+/// Han characters in the form of the document's language.
+QFont font(bool heavy, const QString& language);
+
+/// The typeface whose colour pictures printers' files cannot hold as outlines.
+QString emojiFamily();
+
+}  // namespace thalvorn::paper

@@ -1,0 +1,276 @@
+#include "reports/pdf_finish.h"
+
+#include <fmt/format.h>
+#include <qpdf/qpdf-c.h>
+
+#include <QDateTime>
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "reports/paper_style.h"
+
+namespace thalvorn {
+namespace {
+
+/// A file in memory with the objects it is made of; the library's errors are kept until asked for.
+class PdfObjects {
+ public:
+  PdfObjects() : file_(qpdf_init()) {
+    qpdf_silence_errors(file_);
+    qpdf_set_suppress_warnings(file_, QPDF_TRUE);
+  }
+  ~PdfObjects() { qpdf_cleanup(&file_); }
+  PdfObjects(const PdfObjects&) = delete;
+  PdfObjects& operator=(const PdfObjects&) = delete;
+
+  /// The bytes must live as long as this.
+  void read(const QByteArray& bytes) {
+    qpdf_read_memory(file_, "report", bytes.constData(), static_cast<unsigned long long>(bytes.size()), nullptr);
+  }
+  std::optional<QString> error() {
+    if (!qpdf_has_error(file_)) return std::nullopt;
+    return QString::fromUtf8(qpdf_get_error_full_text(file_, qpdf_get_error(file_)));
+  }
+
+  qpdf_data file() const { return file_; }
+  qpdf_oh root() { return qpdf_get_root(file_); }
+  qpdf_oh trailer() { return qpdf_get_trailer(file_); }
+  /// A dictionary that others can refer to.
+  qpdf_oh node() { return qpdf_make_indirect_object(file_, qpdf_oh_new_dictionary(file_)); }
+  qpdf_oh text(const QString& value) { return qpdf_oh_new_unicode_string(file_, value.toUtf8().constData()); }
+  qpdf_oh name(const char* value) { return qpdf_oh_new_name(file_, value); }
+  qpdf_oh integer(long long value) { return qpdf_oh_new_integer(file_, value); }
+  qpdf_oh get(qpdf_oh dictionary, const char* key) { return qpdf_oh_get_key(file_, dictionary, key); }
+  void set(qpdf_oh dictionary, const char* key, qpdf_oh value) { qpdf_oh_replace_key(file_, dictionary, key, value); }
+  /// What a stream holds, unpacked; empty for anything else.
+  std::string streamBytes(qpdf_oh stream) {
+    unsigned char* bytes = nullptr;
+    std::size_t length = 0;
+    if (qpdf_oh_get_stream_data(file_, stream, qpdf_dl_all, nullptr, &bytes, &length) != QPDF_SUCCESS) return {};
+    std::string result(reinterpret_cast<const char*>(bytes), length);
+    std::free(bytes);
+    return result;
+  }
+  void setStream(qpdf_oh stream, const std::string& bytes) {
+    qpdf_oh_replace_stream_data(file_, stream, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
+                                qpdf_oh_new_null(file_), qpdf_oh_new_null(file_));
+  }
+
+ private:
+  qpdf_data file_;
+};
+
+void setFacts(PdfObjects& pdf, const PdfFacts& facts) {
+  const auto date = QDateTime::fromSecsSinceEpoch(facts.created.time_since_epoch().count(), Qt::UTC)
+                        .toString(QStringLiteral("'D:'yyyyMMddHHmmss'Z'"));
+  const auto info = pdf.node();
+  pdf.set(info, "/Title", pdf.text(facts.title));
+  pdf.set(info, "/Creator", pdf.text(facts.creator));
+  pdf.set(info, "/Producer", pdf.text(facts.creator));
+  pdf.set(info, "/CreationDate", pdf.text(date));
+  pdf.set(info, "/ModDate", pdf.text(date));
+  pdf.set(pdf.trailer(), "/Info", info);
+  qpdf_oh_remove_key(pdf.file(), pdf.root(), "/Metadata");
+  pdf.set(pdf.root(), "/Lang", pdf.text(facts.language));
+  const auto preferences = qpdf_oh_new_dictionary(pdf.file());
+  pdf.set(preferences, "/DisplayDocTitle", qpdf_oh_new_bool(pdf.file(), QPDF_TRUE));
+  pdf.set(pdf.root(), "/ViewerPreferences", preferences);
+}
+
+/// The bookmarks: groups below the section they stand in.
+class Outline {
+ public:
+  Outline(PdfObjects& pdf, const PdfFacts& facts) : pdf_(pdf), facts_(facts) {}
+
+  void add() {
+    if (facts_.bookmarks.empty()) return;
+    const auto root = pdf_.node();
+    pdf_.set(root, "/Type", pdf_.name("/Outlines"));
+    addChildren(root, 0);
+    pdf_.set(pdf_.root(), "/Outlines", root);
+    pdf_.set(pdf_.root(), "/PageMode", pdf_.name("/UseOutlines"));
+  }
+
+ private:
+  void addChildren(qpdf_oh parent, int level) {
+    qpdf_oh last = 0;
+    int count = 0;
+    while (at_ < facts_.bookmarks.size() && facts_.bookmarks[at_].level >= level) {
+      if (count > 0 && facts_.bookmarks[at_].level > level) {
+        addChildren(last, facts_.bookmarks[at_].level);
+        continue;
+      }
+      const auto item = entry(facts_.bookmarks[at_++]);
+      pdf_.set(item, "/Parent", parent);
+      if (count == 0) {
+        pdf_.set(parent, "/First", item);
+      } else {
+        pdf_.set(item, "/Prev", last);
+        pdf_.set(last, "/Next", item);
+      }
+      last = item;
+      ++count;
+    }
+    pdf_.set(parent, "/Last", last);
+    pdf_.set(parent, "/Count", pdf_.integer(count));
+  }
+
+  qpdf_oh entry(const Bookmark& bookmark) {
+    const auto item = pdf_.node();
+    pdf_.set(item, "/Title", pdf_.text(QString::fromStdString(bookmark.title)));
+    const auto place = qpdf_oh_new_array(pdf_.file());
+    constexpr double above = 6;  // the reader sees a little of what is above
+    const auto top = static_cast<long long>(facts_.pageHeight - bookmark.y + above);
+    for (const auto part : {qpdf_get_page_n(pdf_.file(), bookmark.page), pdf_.name("/XYZ"), pdf_.integer(0),
+                            pdf_.integer(top), pdf_.integer(0)}) {
+      qpdf_oh_append_item(pdf_.file(), place, part);
+    }
+    pdf_.set(item, "/Dest", place);
+    return item;
+  }
+
+  PdfObjects& pdf_;
+  const PdfFacts& facts_;
+  std::size_t at_ = 0;
+};
+
+std::string hex(const QString& value) {
+  std::string digits;
+  for (const QChar unit : value) digits += fmt::format("{:04x}", unsigned(unit.unicode()));
+  return digits;
+}
+
+/// What is read for each glyph of the emoji typeface. The toolkit numbers a font's glyphs in the order in which they
+/// are first drawn, from 1, but knows no text for those beyond the first plane of Unicode, where most emoji are.
+std::string emojiMap(const std::vector<QString>& emoji) {
+  std::string map =
+      "/CIDInit /ProcSet findresource begin 12 dict begin begincmap\n"
+      "/CIDSystemInfo << /Registry (Adobe) /Ordering (UCS) /Supplement 0 >> def\n"
+      "/CMapName /Adobe-Identity-UCS def /CMapType 2 def\n"
+      "1 begincodespacerange <0000> <FFFF> endcodespacerange\n";
+  constexpr std::size_t mostInBlock = 100;
+  for (std::size_t from = 0; from < emoji.size(); from += mostInBlock) {
+    const auto to = std::min(from + mostInBlock, emoji.size());
+    std::string lines;
+    int count = 0;
+    for (std::size_t i = from; i < to; ++i) {
+      if (emoji[i].isEmpty()) continue;
+      lines += fmt::format("<{:04x}> <{}>\n", i + 1, hex(emoji[i]));
+      ++count;
+    }
+    if (count > 0) map += fmt::format("{} beginbfchar\n{}endbfchar\n", count, lines);
+  }
+  return map + "endcmap CMapName currentdict /CMap defineresource pop end end\n";
+}
+
+/// Where two characters share a glyph the toolkit names the first of them; text has the second, the common quotes.
+void nameQuotes(PdfObjects& pdf, qpdf_oh font) {
+  const auto stream = pdf.get(font, "/ToUnicode");
+  auto map = pdf.streamBytes(stream);
+  for (const auto& [shared, common] : {std::pair{"<02BC>", "<2019>"}, std::pair{"<02EE>", "<201D>"}}) {
+    for (auto at = map.find(shared); at != std::string::npos; at = map.find(shared, at)) map.replace(at, 6, common);
+  }
+  pdf.setStream(stream, map);
+}
+
+/// Clears the measures in a TrueType file, and what follows from them: those of the emoji, which stand alone, are not
+/// the same each time the toolkit is asked.
+void clearMeasures(std::string& font) {
+  const auto number = [&](std::size_t at, std::size_t bytes) {
+    std::size_t value = 0;
+    for (std::size_t i = 0; i < bytes && at + i < font.size(); ++i) {
+      value = value << 8 | static_cast<unsigned char>(font[at + i]);
+    }
+    return value;
+  };
+  const auto clear = [&](std::size_t at, std::size_t bytes) {
+    if (at < font.size()) std::fill_n(font.begin() + static_cast<long>(at), std::min(bytes, font.size() - at), '\0');
+  };
+  const std::size_t tables = number(4, 2);
+  for (std::size_t i = 0; i < tables; ++i) {
+    const std::size_t entry = 12 + 16 * i;
+    const std::string tag = font.substr(std::min(entry, font.size()), 4);
+    const std::size_t offset = number(entry + 8, 4);
+    if (tag == "hmtx") clear(offset, number(entry + 12, 4));
+    if (tag == "hhea") clear(offset + 4, 8);  // ascent, descent, gap and the widest advance
+    if (tag == "head") clear(offset + 8, 4);  // the checksum of the file
+    clear(entry + 4, 4);                      // the checksum of the table
+  }
+}
+
+/// Names the subsets of fonts in the order of their use, where the toolkit's order is one of chance, and gives the
+/// emoji their texts.
+void nameFonts(PdfObjects& pdf, const std::vector<QString>& emoji) {
+  const auto file = pdf.file();
+  const std::string emojiName = paper::emojiFamily().remove(QLatin1Char(' ')).toStdString();
+  const int size = qpdf_oh_get_int_value_as_int(file, pdf.get(pdf.trailer(), "/Size"));
+  int fonts = 0;
+  for (int id = 1; id < size; ++id) {
+    const auto font = qpdf_get_object_by_id(file, id, 0);
+    if (!qpdf_oh_is_dictionary_of_type(file, font, "/Font", "/Type0")) continue;
+    const std::string name = std::string(qpdf_oh_get_name(file, pdf.get(font, "/BaseFont"))).substr(1);
+    const std::string tagged = fmt::format("/AAAA{}{}+{}", char('A' + fonts / 26 % 26), char('A' + fonts % 26), name);
+    ++fonts;
+    const auto descendant = qpdf_oh_get_array_item(file, pdf.get(font, "/DescendantFonts"), 0);
+    pdf.set(font, "/BaseFont", pdf.name(tagged.c_str()));
+    pdf.set(descendant, "/BaseFont", pdf.name(tagged.c_str()));
+    pdf.set(pdf.get(descendant, "/FontDescriptor"), "/FontName", pdf.name(tagged.c_str()));
+    if (name.find(emojiName) == std::string::npos) {
+      nameQuotes(pdf, font);
+      continue;
+    }
+    qpdf_oh_remove_key(file, descendant, "/W");
+    pdf.set(descendant, "/DW", pdf.integer(1000));
+    const auto outlines = pdf.get(pdf.get(descendant, "/FontDescriptor"), "/FontFile2");
+    auto bytes = pdf.streamBytes(outlines);
+    clearMeasures(bytes);
+    pdf.setStream(outlines, bytes);
+    pdf.setStream(pdf.get(font, "/ToUnicode"), emojiMap(emoji));
+  }
+}
+
+/// The file as the library writes it; the error is its own.
+std::expected<QByteArray, QString> written(PdfObjects& pdf, qpdf_object_stream_e packing) {
+  const auto file = pdf.file();
+  qpdf_init_write_memory(file);
+  qpdf_set_object_stream_mode(file, packing);
+  qpdf_set_deterministic_ID(file, QPDF_TRUE);
+  qpdf_write(file);
+  const auto* bytes = qpdf_get_buffer(file);
+  if (const auto error = pdf.error()) return std::unexpected(*error);
+  if (!bytes) return std::unexpected(QStringLiteral("no memory"));
+  return QByteArray(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(qpdf_get_buffer_length(file)));
+}
+
+}  // namespace
+
+std::expected<QByteArray, QString> finishPdf(const QByteArray& drawn, const PdfFacts& facts) {
+  const auto failed = [](const QString& error) {
+    return std::unexpected(QStringLiteral("its file cannot be completed (%1).").arg(error));
+  };
+  QByteArray ordered;
+  {
+    PdfObjects pdf;
+    pdf.read(drawn);
+    if (const auto error = pdf.error()) return failed(*error);
+    setFacts(pdf, facts);
+    Outline(pdf, facts).add();
+    nameFonts(pdf, facts.emoji);
+    if (const auto error = pdf.error()) return failed(*error);
+    // Without packing, objects are numbered as they are reached from the root, whatever numbers the toolkit gave them.
+    auto bytes = written(pdf, qpdf_o_disable);
+    if (!bytes) return failed(bytes.error());
+    ordered = std::move(*bytes);
+  }
+  PdfObjects pdf;
+  pdf.read(ordered);
+  if (const auto error = pdf.error()) return failed(*error);
+  auto packed = written(pdf, qpdf_o_generate);
+  if (!packed) return failed(packed.error());
+  return packed;
+}
+
+}  // namespace thalvorn

@@ -1,0 +1,305 @@
+#include "reports/typesetter.h"
+
+#include <QGlyphRun>
+#include <QPaintEngine>
+#include <QPainter>
+#include <QRawFont>
+#include <QTextBoundaryFinder>
+#include <QTextLayout>
+#include <algorithm>
+#include <cmath>
+
+namespace thalvorn {
+namespace {
+
+using paper::TextStyle;
+
+/// Size in pixels at which shaped text is measured; unhinted advances scale to any other.
+constexpr double referenceSize = 100;
+/// Side of an emoji's picture, and where its baseline is.
+constexpr int pictureSize = 128;
+constexpr double pictureBaseline = 0.8;
+/// Wider than any line, so that a line already wrapped is not broken again.
+constexpr double unlimited = 1e6;
+
+struct CodePoint {
+  char32_t value;
+  std::size_t length;
+};
+
+/// The code point at the start of `text`, which is not empty; malformed bytes count as one unknown character each.
+CodePoint decode(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const auto tail = [&](std::size_t i) { return i < text.size() && (byte(i) & 0xC0) == 0x80; };
+  const unsigned char lead = byte(0);
+  if (lead < 0x80) return {lead, 1};
+  if (lead >= 0xC2 && lead < 0xE0 && tail(1)) return {char32_t(lead & 0x1F) << 6 | (byte(1) & 0x3F), 2};
+  if ((lead & 0xF0) == 0xE0 && tail(1) && tail(2)) {
+    return {char32_t(lead & 0x0F) << 12 | char32_t(byte(1) & 0x3F) << 6 | (byte(2) & 0x3F), 3};
+  }
+  if (lead >= 0xF0 && lead < 0xF5 && tail(1) && tail(2) && tail(3)) {
+    return {
+        char32_t(lead & 0x07) << 18 | char32_t(byte(1) & 0x3F) << 12 | char32_t(byte(2) & 0x3F) << 6 | (byte(3) & 0x3F),
+        4};
+  }
+  return {0xFFFD, 1};
+}
+
+/// Combining marks, joiners and direction marks: characters that act on their neighbours.
+bool actsOnNeighbours(char32_t code) {
+  return (code >= 0x300 && code < 0x370) || (code >= 0x200B && code < 0x2010) || (code >= 0x2028 && code < 0x202F) ||
+         (code >= 0x2060 && code < 0x2070);
+}
+
+bool breaksAfter(char32_t code) {
+  return code == ' ' || code == '-' || code == '/' || code == '|' || code == 0x2013 || code == 0x2014;
+}
+
+QString toQString(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+/// Bytes of the UTF-8 `text` that make `units` UTF-16 units.
+std::size_t bytesOf(std::string_view text, qsizetype units) {
+  std::size_t bytes = 0;
+  while (units > 0 && bytes < text.size()) {
+    const auto code = decode(text.substr(bytes));
+    units -= code.value >= 0x10000 ? 2 : 1;
+    bytes += code.length;
+  }
+  return bytes;
+}
+
+/// The text with a blank one em wide in place of each emoji, unit for unit: the toolkit is not sure how wide they are.
+template <class Emojis>
+QString withBlanks(QString text, const Emojis& emojis) {
+  constexpr QChar emSpace(0x2003);
+  constexpr QChar noWidth(0x200B);
+  for (const auto& emoji : emojis) {
+    text[emoji.at] = emSpace;
+    for (int i = 1; i < emoji.length; ++i) text[emoji.at + i] = noWidth;
+  }
+  return text;
+}
+
+QTextOption leftAligned() {
+  QTextOption option;
+  option.setAlignment(Qt::AlignLeft | Qt::AlignAbsolute);
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  option.setTextDirection(Qt::LayoutDirectionAuto);
+  return option;
+}
+
+}  // namespace
+
+Typesetter::Typesetter(const QString& language) {
+  for (const bool heavy : {false, true}) {
+    fonts_[heavy] = paper::font(heavy, language);
+    QFont bundled = fonts_[heavy];
+    bundled.setFamilies({bundled.families().constFirst()});
+    bundled.setPixelSize(static_cast<int>(referenceSize));
+    const QRawFont raw = QRawFont::fromFont(bundled);
+    auto& advances = advances_[heavy];
+    advances.assign(tableSize, -1);
+    QString characters;
+    for (std::size_t code = 0x20; code < tableSize; ++code) characters += QChar(static_cast<char16_t>(code));
+    const auto glyphs = raw.glyphIndexesForString(characters);
+    const auto widths = raw.advancesForGlyphIndexes(glyphs, QRawFont::SeparateAdvances | QRawFont::UseDesignMetrics);
+    for (std::size_t code = 0x20; code < tableSize; ++code) {
+      const auto i = static_cast<qsizetype>(code - 0x20);
+      if (glyphs.size() == characters.size() && glyphs[i] != 0 && !actsOnNeighbours(static_cast<char32_t>(code))) {
+        advances[code] = static_cast<float>(widths[i].x() / referenceSize);
+      }
+    }
+  }
+  QFont emoji(paper::emojiFamily());
+  emoji.setPixelSize(static_cast<int>(referenceSize));
+  emojiFont_ = QRawFont::fromFont(emoji);
+  for (int i = 0; i < paper::textStyleCount; ++i) {
+    const auto style = static_cast<TextStyle>(i);
+    plainFonts_[static_cast<std::size_t>(i)] = fontAt(style, paper::facts(style).size);
+    plainFonts_[static_cast<std::size_t>(i)].setStyleStrategy(QFont::PreferNoShaping);
+  }
+}
+
+QFont Typesetter::fontAt(TextStyle style, double pointSize) const {
+  QFont font = fonts_[paper::facts(style).heavy];
+  font.setPointSizeF(pointSize);
+  return font;
+}
+
+Typesetter::Measured Typesetter::measure(std::string_view text, TextStyle style) const {
+  const auto& facts = paper::facts(style);
+  const auto& advances = advances_[facts.heavy];
+  double em = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    const auto lead = static_cast<unsigned char>(text[at]);
+    const auto code = lead < 0x80 ? CodePoint{lead, 1} : decode(text.substr(at));
+    if (code.value >= tableSize || advances[code.value] < 0) return {};
+    em += static_cast<double>(advances[code.value]);
+    at += code.length;
+  }
+  return {em * facts.size, true};
+}
+
+double Typesetter::width(std::string_view text, TextStyle style) const {
+  const auto measured = measure(text, style);
+  if (measured.plain) return measured.width;
+  std::vector<TextLine> lines;
+  wrapShaped(text, style, unlimited, lines);
+  double widest = 0;
+  for (const auto& line : lines) widest = std::max(widest, line.width);
+  return widest;
+}
+
+void Typesetter::wrap(std::string_view text, TextStyle style, double width, std::vector<TextLine>& lines) const {
+  while (!text.empty()) {
+    const auto end = std::min(text.find('\n'), text.size());
+    auto paragraph = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    while (paragraph.ends_with('\r') || paragraph.ends_with(' ')) paragraph.remove_suffix(1);
+    const auto measured = measure(paragraph, style);
+    if (measured.plain && measured.width <= width) {
+      lines.push_back({paragraph, measured.width, true});
+    } else if (measured.plain) {
+      wrapPlain(paragraph, style, width, lines);
+    } else {
+      wrapShaped(paragraph, style, width, lines);
+    }
+  }
+}
+
+void Typesetter::wrapPlain(std::string_view text, TextStyle style, double width, std::vector<TextLine>& lines) const {
+  const auto& facts = paper::facts(style);
+  const auto& advances = advances_[facts.heavy];
+  const auto put = [&](std::string_view line) {
+    while (line.ends_with(' ')) line.remove_suffix(1);
+    if (!line.empty()) lines.push_back({line, measure(line, style).width, true});
+  };
+  std::size_t start = 0;
+  std::size_t lastBreak = 0;  // where a next line could start
+  double used = 0;
+  double usedAtBreak = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    const auto code = decode(text.substr(at));
+    const double advance = static_cast<double>(advances[code.value]) * facts.size;
+    if (used + advance > width && code.value != ' ' && at > start) {
+      const bool wordFits = lastBreak > start;
+      const std::size_t next = wordFits ? lastBreak : at;
+      put(text.substr(start, next - start));
+      used -= wordFits ? usedAtBreak : used;
+      start = next;
+      usedAtBreak = 0;
+    }
+    used += advance;
+    at += code.length;
+    if (breaksAfter(code.value)) {
+      lastBreak = at;
+      usedAtBreak = used;
+    }
+  }
+  put(text.substr(start));
+}
+
+void Typesetter::wrapShaped(std::string_view text, TextStyle style, double width, std::vector<TextLine>& lines) const {
+  const auto& facts = paper::facts(style);
+  const double scale = facts.size / referenceSize;
+  QFont font = fonts_[facts.heavy];
+  font.setPixelSize(static_cast<int>(referenceSize));
+  const QString whole = toQString(text);
+  QTextLayout layout(withBlanks(whole, emojiIn(whole)), font);
+  layout.setTextOption(leftAligned());
+  layout.beginLayout();
+  for (auto line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    line.setLineWidth(width / scale);
+    const auto from = bytesOf(text, line.textStart());
+    auto part = text.substr(from, bytesOf(text.substr(from), line.textLength()));
+    while (part.ends_with(' ')) part.remove_suffix(1);
+    lines.push_back({part, line.naturalTextWidth() * scale, false});
+  }
+  layout.endLayout();
+  noteMissing(layout);
+}
+
+void Typesetter::noteMissing(const QTextLayout& layout) const {
+  const auto lacksGlyph = [](const QGlyphRun& run) { return run.glyphIndexes().contains(0); };
+  if (std::ranges::none_of(layout.glyphRuns(), lacksGlyph)) return;
+  QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, layout.text());
+  for (qsizetype from = 0, to = finder.toNextBoundary(); to > from; from = to, to = finder.toNextBoundary()) {
+    const auto character = layout.text().mid(from, to - from);
+    const auto runs = layout.glyphRuns(static_cast<int>(from), static_cast<int>(to - from));
+    if (std::ranges::any_of(runs, lacksGlyph) && !missing_.contains(character)) missing_ += character;
+  }
+}
+
+void Typesetter::draw(QPainter& painter, QPointF at, std::string_view text, bool plain, TextStyle style) {
+  if (!plain) return drawShaped(painter, at, toQString(text), style);
+  painter.setFont(plainFonts_[static_cast<std::size_t>(style)]);
+  painter.drawText(at, toQString(text));
+}
+
+std::vector<Typesetter::Emoji> Typesetter::emojiIn(const QString& text) const {
+  std::vector<Emoji> found;
+  if (emojiFont_.familyName() != paper::emojiFamily()) return found;
+  QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+  for (qsizetype from = 0, to = finder.toNextBoundary(); to > from; from = to, to = finder.toNextBoundary()) {
+    const bool pair = text[from].isHighSurrogate() && from + 1 < to;
+    const char32_t code = pair ? QChar::surrogateToUcs4(text[from], text[from + 1]) : text[from].unicode();
+    const bool bundled = code < tableSize && advances_[0][code] >= 0;
+    if (code > 0x203B && !bundled && emojiFont_.supportsCharacter(code)) {
+      found.push_back({static_cast<int>(from), static_cast<int>(to - from)});
+    }
+  }
+  return found;
+}
+
+void Typesetter::drawShaped(QPainter& painter, QPointF at, const QString& text, TextStyle style) {
+  const auto emojis = emojiIn(text);
+  QTextLayout layout(withBlanks(text, emojis), fontAt(style, paper::facts(style).size), painter.device());
+  layout.setTextOption(leftAligned());
+  layout.beginLayout();
+  auto line = layout.createLine();
+  if (line.isValid()) line.setLineWidth(unlimited);
+  layout.endLayout();
+  if (!line.isValid()) return;
+  layout.draw(&painter, QPointF(at.x(), at.y() - line.ascent()));
+  for (const auto& emoji : emojis) {
+    const double begin = line.cursorToX(emoji.at);
+    const double end = line.cursorToX(emoji.at + emoji.length);
+    drawEmoji(painter, QPointF(at.x() + std::min(begin, end), at.y()), text.mid(emoji.at, emoji.length),
+              std::abs(end - begin));
+  }
+}
+
+void Typesetter::drawEmoji(QPainter& painter, QPointF baseline, const QString& emoji, double em) {
+  constexpr double size = 1.15;  // of the blank left for it: the picture has a margin of its own
+  painter.drawImage(QRectF(baseline.x() - (size - 1) / 2 * em, baseline.y() - 0.93 * em, size * em, size * em),
+                    pictureOf(emoji));
+  if (painter.paintEngine()->type() != QPaintEngine::Pdf) return;
+  // A printer's file cannot hold glyphs in colour: the picture is seen, the blank glyph below it is found and copied.
+  const QString first = emoji.left(emoji[0].isHighSurrogate() ? 2 : 1);
+  QFont font(paper::emojiFamily());
+  font.setPixelSize(std::max(1, static_cast<int>(em)));
+  font.setStyleStrategy(QFont::PreferNoShaping);
+  painter.setFont(font);
+  painter.drawText(baseline, first);
+  const auto glyphs = emojiFont_.glyphIndexesForString(first);
+  if (glyphs.isEmpty() || std::ranges::find(emojiGlyphs_, glyphs.first()) != emojiGlyphs_.end()) return;
+  emojiGlyphs_.push_back(glyphs.first());
+  emojiDrawn_.push_back(emoji);
+}
+
+const QImage& Typesetter::pictureOf(const QString& emoji) {
+  auto found = emojiPictures_.find(emoji);
+  if (found != emojiPictures_.end()) return *found;
+  QImage picture(pictureSize, pictureSize, QImage::Format_ARGB32_Premultiplied);
+  picture.fill(0);
+  QFont font(paper::emojiFamily());
+  // These typefaces are 1.25 em wide.
+  font.setPixelSize(static_cast<int>(pictureSize * pictureBaseline));
+  QPainter painter(&picture);
+  painter.setFont(font);
+  painter.drawText(QPointF(0, pictureSize * pictureBaseline), emoji);
+  painter.end();
+  return *emojiPictures_.insert(emoji, picture);
+}
+
+}  // namespace thalvorn

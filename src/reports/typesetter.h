@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QFont>
+#include <QHash>
+#include <QImage>
+#include <QPointF>
+#include <QRawFont>
+#include <QString>
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "reports/paper_style.h"
+
+class QPainter;
+class QTextLayout;
+
+namespace thalvorn {
+
+/// A line of wrapped text: a view into the text it was cut from.
+struct TextLine {
+  std::string_view text;
+  double width = 0;    ///< points
+  bool plain = false;  ///< every character stands alone in the bundled typeface: no shaping, no other script
+};
+
+/// Measures, wraps and draws text. Plain text, nearly all of a register, is measured by a table of advances and drawn
+/// without shaping, so that its letters stay searchable one by one; any other text goes through the text layout of the
+/// toolkit. One instance serves one rendering on one thread.
+class Typesetter {
+ public:
+  explicit Typesetter(const QString& language);
+
+  /// Width in points of a single line.
+  double width(std::string_view text, paper::TextStyle style) const;
+
+  /// Appends the lines of `text` at most `width` points wide to `lines`: broken after blanks, hyphens and slashes, a
+  /// longer word between characters, never cut. An empty text gives no line.
+  void wrap(std::string_view text, paper::TextStyle style, double width, std::vector<TextLine>& lines) const;
+
+  /// Draws a line with its baseline starting at `at`, in device units.
+  void draw(QPainter& painter, QPointF at, std::string_view text, bool plain, paper::TextStyle style);
+
+  /// The texts of the emoji drawn so far, in order of their first occurrence: the order in which the file numbers them.
+  const std::vector<QString>& emojiDrawn() const { return emojiDrawn_; }
+
+  /// The characters measured so far that no typeface of this computer has: they would be blank on paper.
+  const QString& missing() const { return missing_; }
+
+ private:
+  static constexpr std::size_t tableSize = 0x2600;  // what the bundled typeface covers lies below
+
+  struct Measured {
+    double width = 0;
+    bool plain = false;
+  };
+  Measured measure(std::string_view text, paper::TextStyle style) const;
+  void wrapPlain(std::string_view text, paper::TextStyle style, double width, std::vector<TextLine>& lines) const;
+  void wrapShaped(std::string_view text, paper::TextStyle style, double width, std::vector<TextLine>& lines) const;
+  void noteMissing(const QTextLayout& layout) const;
+  void drawShaped(QPainter& painter, QPointF at, const QString& text, paper::TextStyle style);
+
+  /// An emoji within a text: how many UTF-16 units at which place.
+  struct Emoji {
+    int at = 0;
+    int length = 0;
+  };
+  std::vector<Emoji> emojiIn(const QString& text) const;
+  void drawEmoji(QPainter& painter, QPointF baseline, const QString& emoji, double em);
+  const QImage& pictureOf(const QString& emoji);
+
+  QFont fontAt(paper::TextStyle style, double pointSize) const;
+
+  std::array<std::vector<float>, 2> advances_;  // by weight, in em; negative: not plain
+  std::array<QFont, 2> fonts_;                  // by weight
+  std::array<QFont, paper::textStyleCount> plainFonts_;
+  QRawFont emojiFont_;
+  QHash<QString, QImage> emojiPictures_;
+  std::vector<quint32> emojiGlyphs_;
+  std::vector<QString> emojiDrawn_;
+  mutable QString missing_;
+};
+
+}  // namespace thalvorn

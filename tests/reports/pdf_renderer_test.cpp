@@ -1,0 +1,263 @@
+#include "reports/pdf_renderer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <qpdf/qpdf-c.h>
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "reports/document/document_text.h"
+#include "sample_documents.h"
+
+namespace thalvorn {
+namespace {
+
+using testing::HasSubstr;
+
+/// What another program reads from a PDF.
+std::string outputOf(const QString& program, const QStringList& options, const QByteArray& pdf) {
+  QTemporaryDir folder;
+  const QString path = folder.filePath(QStringLiteral("report.pdf"));
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly) || file.write(pdf) != pdf.size()) return "not written";
+  file.close();
+  QProcess process;
+  const bool toOutput = program == QLatin1String("pdftotext");
+  process.start(program, options + QStringList(path) + QStringList(toOutput ? 1 : 0, QStringLiteral("-")));
+  if (!process.waitForFinished() || process.exitCode() != 0)
+    return "not read: " + process.readAllStandardError().toStdString();
+  return process.readAllStandardOutput().toStdString();
+}
+
+std::string textOf(const QByteArray& pdf, const QStringList& options = {QStringLiteral("-layout")}) {
+  return outputOf(QStringLiteral("pdftotext"), options, pdf);
+}
+
+QByteArray pdfOf(const Document& document) {
+  auto pdf = renderPdf(document);
+  EXPECT_TRUE(pdf) << (pdf ? "" : pdf.error().message.toStdString());
+  return pdf.value_or(QByteArray());
+}
+
+std::size_t count(std::string_view text, std::string_view part) {
+  std::size_t found = 0;
+  for (auto at = text.find(part); at != text.npos; at = text.find(part, at + 1)) ++found;
+  return found;
+}
+
+/// The share of dark pixels in a strip of a picture.
+double inkIn(const QImage& image, const QRect& strip) {
+  int dark = 0;
+  for (int y = strip.top(); y <= strip.bottom(); ++y) {
+    for (int x = strip.left(); x <= strip.right(); ++x) dark += qGray(image.pixel(x, y)) < 200;
+  }
+  return double(dark) / (strip.width() * strip.height());
+}
+
+TEST(PdfRenderer, PrintsEveryFieldWithItsLabel) {
+  const auto text = textOf(pdfOf(sampleRegister(4)));
+  for (const auto* field : {"Fuel Bunkering Report",
+                            "M/Y Meridian",
+                            "1 Sep 2026 – 21 Nov 2026",
+                            "Generated: 21 Nov 2026 09:40 UTC",
+                            "4 records, newest first",
+                            "Cayman Islands",
+                            "George Town",
+                            "9074729",
+                            "ZGAB7",
+                            "319 012 300",
+                            "n/a",
+                            "Berth / anchorage",
+                            "Supplier / Bunker Co.",
+                            "East Passage Energy, filter station",
+                            "21 Nov 2026",
+                            "6,302.23",
+                            "INV-20421",
+                            "SUMMARY",
+                            "Total Quantity (Gallons)",
+                            "23,552.8 L",
+                            "quantity × price",
+                            "Chief Engineer — name, signature, date",
+                            "Supplier’s representative",
+                            "Page 1 of 1"}) {
+    EXPECT_THAT(text, HasSubstr(field));
+  }
+  EXPECT_LT(text.find("Port of Miami"), text.find("Nassau"));
+}
+
+TEST(PdfRenderer, RepeatsTheHeadAndSplitsNoRow) {
+  const int rows = 500;
+  auto document = sampleRegister(rows);
+  auto& table = std::get<Table>(document.blocks.front());
+  for (int i = 0; i < rows; ++i) {
+    auto& cells = table.rows[static_cast<std::size_t>(i)].cells;
+    cells[3].text = "begin" + std::to_string(i) +
+                    "x one two three four five six seven eight nine ten eleven twelve end" + std::to_string(i) + "x";
+  }
+  const auto report = PagedReport::layOut(document).value();
+  const auto text = textOf(report.pdf().value(), {QStringLiteral("-raw")});
+  const int pages = report.pageCount();
+  ASSERT_GT(pages, 20);
+  EXPECT_EQ(count(text, "\f"), std::size_t(pages));
+  std::size_t from = 0;
+  for (int page = 1; page <= pages; ++page) {
+    const auto to = text.find('\f', from);
+    const std::string sheet = text.substr(from, to - from);
+    from = to + 1;
+    EXPECT_THAT(sheet, HasSubstr("Page " + std::to_string(page) + " of " + std::to_string(pages)));
+    EXPECT_THAT(sheet, HasSubstr("ZGAB7"));
+    if (sheet.find("begin") != sheet.npos) EXPECT_THAT(sheet, HasSubstr("Berth / anchorage")) << page;
+    for (int i = 0; i < rows; ++i) {
+      const auto number = std::to_string(i) + "x";
+      EXPECT_EQ(count(sheet, "begin" + number), count(sheet, "end" + number)) << number << " on page " << page;
+    }
+  }
+  EXPECT_EQ(count(text, "begin499x"), 1);
+}
+
+TEST(PdfRenderer, PrintsEveryBlockInEveryScriptAndCutsNothing) {
+  const auto report = PagedReport::layOut(sampleOfEverything()).value();
+  EXPECT_EQ(report.missingCharacters().toStdString(), "");
+  const auto pdf = report.pdf().value();
+  const auto text = textOf(pdf);
+  for (const auto* part : {"filter, office, waffle",
+                           "масло двигателя",
+                           "λάδι κινητήρα",
+                           "החלפת שמן",
+                           "机油更换 エンジン 엔진",
+                           "⚓",
+                           "✅",
+                           "🔧",
+                           "été",
+                           "in many scripts",
+                           "Builder",
+                           "Feadship",
+                           "154.2 ft",
+                           "Winter refit",
+                           "CRITICAL",
+                           "Shaft seal weeping.",
+                           "at 4,818.6 h",
+                           "Impeller kit 09-1027B × 1",
+                           "Engine continued",
+                           "No entries",
+                           "Photo not available:",
+                           "file.jpg",
+                           "Port shaft seal"}) {
+    EXPECT_THAT(text, HasSubstr(part));
+  }
+  for (int i = 1; i <= 900; ++i) {
+    const auto word = "remark" + std::to_string(i);
+    EXPECT_TRUE(text.find(word + " ") != text.npos || text.find(word + "\n") != text.npos) << word;
+  }
+  const auto facts = outputOf(QStringLiteral("pdfinfo"), {}, pdf);
+  EXPECT_THAT(facts, HasSubstr("Handover notes — M/Y Meridian"));
+  EXPECT_THAT(facts, HasSubstr("612 x 792 pts (letter)"));
+}
+
+TEST(PdfRenderer, DrawsEmojiAndRightToLeftGlyphs) {
+  Document document{.title = "Glyphs", .generatedAt = {}};
+  for (const auto* text : {"🔧", "محرك", "中"}) {
+    document.blocks = {Paragraph{text}};
+    QTemporaryDir folder;
+    const auto path = folder.filePath(QStringLiteral("glyphs.pdf"));
+    ASSERT_TRUE(writePdf(path, document));
+    ASSERT_EQ(QProcess::execute(QStringLiteral("pdftoppm"),
+                                {QStringLiteral("-png"), QStringLiteral("-singlefile"), QStringLiteral("-r"),
+                                 QStringLiteral("72"), path, folder.filePath(QStringLiteral("page"))}),
+              0);
+    const QRect strip(36, 59, 30, 14);
+    EXPECT_GT(inkIn(QImage(folder.filePath(QStringLiteral("page.png"))), strip), 0.02) << text;
+    EXPECT_GT(inkIn(renderPage(document, 0, 1), strip), 0.02) << text << " on the screen";
+  }
+}
+
+TEST(PdfRenderer, NamesCharactersThatWouldBeBlank) {
+  const auto report = PagedReport::layOut({.title = "Blank", .blocks = {Paragraph{"a \U0010FFF0 b"}}}).value();
+  EXPECT_EQ(report.missingCharacters().toStdString(), "\U0010FFF0");
+}
+
+TEST(PdfRenderer, SameInputGivesTheSameBytesInAnyProcess) {
+  const auto document = sampleOfEverything();
+  const auto pdf = pdfOf(document);
+  EXPECT_TRUE(pdf == pdfOf(document));
+  QProcess other;
+  other.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--print-sample")});
+  ASSERT_TRUE(other.waitForFinished());
+  EXPECT_TRUE(pdf == other.readAllStandardOutput());
+  auto later = document;
+  later.generatedAt += std::chrono::seconds(1);
+  EXPECT_FALSE(pdf == pdfOf(later));
+}
+
+TEST(PdfRenderer, CarriesLanguageAndBookmarks) {
+  auto document = sampleOfEverything();
+  document.language = "en-GB";
+  const auto pdf = pdfOf(document);
+  auto file = qpdf_init();
+  ASSERT_EQ(qpdf_read_memory(file, "report", pdf.constData(), static_cast<unsigned long long>(pdf.size()), nullptr),
+            QPDF_SUCCESS);
+  const auto root = qpdf_get_root(file);
+  const auto get = [&](qpdf_oh from, const char* key) { return qpdf_oh_get_key(file, from, key); };
+  EXPECT_STREQ(qpdf_oh_get_utf8_value(file, get(root, "/Lang")), "en-GB");
+  const auto texts = get(get(root, "/Outlines"), "/First");
+  EXPECT_STREQ(qpdf_oh_get_utf8_value(file, get(texts, "/Title")), "Texts");
+  const auto workList = get(texts, "/Next");
+  EXPECT_STREQ(qpdf_oh_get_utf8_value(file, get(workList, "/Title")), "Work list");
+  EXPECT_STREQ(qpdf_oh_get_utf8_value(file, get(get(workList, "/First"), "/Title")), "Engine");
+  qpdf_cleanup(&file);
+}
+
+TEST(PdfRenderer, StopsWhenAskedAndLeavesTheOldFile) {
+  QTemporaryDir folder;
+  const auto path = folder.filePath(QStringLiteral("report.pdf"));
+  ASSERT_TRUE(writeReportFile(path, "old"));
+  double reached = 0;
+  const auto stopped = writePdf(path, sampleRegister(2000), {.progress = [&](double done) {
+                                  EXPECT_GE(done, reached);
+                                  reached = done;
+                                  return done < 0.5;
+                                }});
+  ASSERT_FALSE(stopped);
+  EXPECT_EQ(stopped.error().kind, ReportError::Kind::cancelled);
+  EXPECT_GE(reached, 0.5);
+  QFile file(path);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  EXPECT_EQ(file.readAll(), "old");
+
+  const auto refused = writePdf(folder.filePath(QStringLiteral("no/such/folder.pdf")), sampleRegister(1));
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().kind, ReportError::Kind::notWritten);
+  EXPECT_THAT(refused.error().message.toStdString(), HasSubstr("Choose another folder"));
+}
+
+TEST(PdfRenderer, OddDocumentsStillPrint) {
+  Document document{.title = std::string(300, 'W'), .vesselName = std::string(200, 'x'), .period = "\xFF\xFE broken"};
+  Table wide;
+  for (int i = 0; i < 40; ++i) wide.columns.push_back({.title = "Column " + std::to_string(i), .wraps = i % 2 == 0});
+  wide.rows.push_back({.cells = std::vector<Cell>(60, Cell(std::string(500, 'y')))});
+  wide.rows.push_back({.cells = {}, .kind = TableRow::Kind::group});
+  document.blocks = {wide,        Table{},    Card{.text = std::string(20000, 'z')}, Summary{}, Signatures{},
+                     PhotoGrid{}, PageBreak{}};
+  const auto text = textOf(pdfOf(document));
+  EXPECT_GE(count(text, "z"), 20000);
+  EXPECT_GE(count(text, "y"), 40 * 500);
+}
+
+TEST(DocumentText, FileNamesSuitEveryFileSystem) {
+  EXPECT_EQ(safeFileName("Ship's Log — M/Y Meridian: 1/9/2026"), "Ship's Log — M Y Meridian 1 9 2026");
+  EXPECT_EQ(safeFileName("con"), "_con");
+  EXPECT_EQ(safeFileName("LPT1.report"), "_LPT1.report");
+  EXPECT_EQ(safeFileName("conning"), "conning");
+  EXPECT_EQ(safeFileName("...hidden. "), "hidden");
+  EXPECT_EQ(safeFileName("\n\"?\""), "Report");
+  std::string anchors;
+  for (int i = 0; i < 60; ++i) anchors += "⚓";
+  EXPECT_EQ(safeFileName(anchors), anchors.substr(0, 120));
+  EXPECT_EQ(safeFileName("x" + anchors), "x" + anchors.substr(0, 117));
+}
+
+}  // namespace
+}  // namespace thalvorn
