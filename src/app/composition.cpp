@@ -4,12 +4,14 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QHash>
+#include <QIcon>
 #include <QQmlEngine>
 
 #include "app/module_table.h"
 #include "app/record_form.h"
 #include "app/record_search.h"
 #include "platform/deep_link.h"
+#include "platform/desktop_identity.h"
 #include "platform/store_access.h"
 #include "platform/user_folders.h"
 
@@ -50,9 +52,10 @@ QString pageOfKind(const QString& kind) {
 
 void prepareApplication() {
   QGuiApplication::setApplicationName(QStringLiteral("thalvorn"));
-  QGuiApplication::setApplicationDisplayName(QStringLiteral("Thalvorn Yacht Systems"));
+  QGuiApplication::setApplicationDisplayName(kProductName);
   QGuiApplication::setApplicationVersion(QStringLiteral(THALVORN_VERSION));
-  QGuiApplication::setDesktopFileName(QStringLiteral("thalvorn"));
+  QGuiApplication::setDesktopFileName(kApplicationId);
+  QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/thalvorn.svg")));
   for (const char16_t* weight : {u"Regular", u"Medium", u"SemiBold"}) {
     QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/Inter-%1.ttf").arg(QStringView(weight)));
   }
