@@ -125,6 +125,7 @@ void Composition::makeControllers() {
   if (session_) {
     fleet_ = std::make_unique<FleetController>(session_->model(), *notices_);
     search_->addSource(recordSearch(session_->model()));
+    recordPages_ = std::make_unique<RecordPages>(*session_, *app_, *format_);
     connect(&session_->model(), &AppViewModel::reloaded, this, [this] { app_->setPhase(QStringLiteral("ready")); });
   }
   connect(app_.get(), &AppController::notification, this, &Composition::onNotification);
@@ -140,6 +141,7 @@ void Composition::registerForQml() {
   registerSingleton("Notices", notices_.get());
   registerSingleton("Search", search_.get());
   registerSingleton("Fleet", fleet_.get());
+  if (recordPages_) recordPages_->registerForQml();
 }
 
 void Composition::followDesktop() {

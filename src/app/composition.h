@@ -13,6 +13,7 @@
 #include "app/format.h"
 #include "app/notices.h"
 #include "app/options.h"
+#include "app/record_pages.h"
 #include "app/search_model.h"
 #include "app/store_session.h"
 #include "app/window_memory.h"
@@ -66,6 +67,7 @@ class Composition : public QObject {
   std::unique_ptr<Notices> notices_;
   std::unique_ptr<FleetController> fleet_;
   std::unique_ptr<SearchModel> search_;
+  std::unique_ptr<RecordPages> recordPages_;
   std::unique_ptr<WindowMemory> memory_;
   std::unique_ptr<DesktopServices> services_;
   std::unique_ptr<QQmlApplicationEngine> engine_;

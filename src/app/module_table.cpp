@@ -18,6 +18,7 @@ constexpr std::array kPages = std::to_array<PageEntry>({
     {u"vessels", u"Vessels", u"boat", u"Fleet", u"fleet/VesselsPage.qml"},
     {u"settings", u"Settings", u"gear", u"Fleet", u"fleet/SettingsPage.qml"},
     {u"statusList", u"Tasks by status", u"list-checks", nullptr, u"maintenance/StatusListPage.qml"},
+    {u"report", u"Report", u"file-text", nullptr, u"reports/ReportPage.qml"},
     {u"gallery", u"Component gallery", u"squares-four", nullptr, u"shell/GalleryPage.qml"},
 });
 

@@ -19,7 +19,9 @@ std::expected<std::unique_ptr<StoreSession>, QString> StoreSession::open(const Q
 }
 
 StoreSession::StoreSession(std::unique_ptr<LocalCache> cache, const Clock& clock)
-    : cache_(std::move(cache)), model_(std::make_unique<AppViewModel>(*cache_, clock)) {}
+    : cache_(std::move(cache)),
+      attachments_(cache_->file().parent_path() / "files"),
+      model_(std::make_unique<AppViewModel>(*cache_, clock)) {}
 
 StoreSession::~StoreSession() = default;
 
