@@ -25,12 +25,19 @@ struct EnumTexts;
 template <class E>
 inline constexpr std::size_t caseCount = EnumTexts<E>::table.size();
 
+namespace enum_detail {
+template <class E>
+inline constexpr auto cases = [] {
+  std::array<E, caseCount<E>> all{};
+  for (std::size_t i = 0; i < all.size(); ++i) all[i] = static_cast<E>(i);
+  return all;
+}();
+}  // namespace enum_detail
+
 /// All cases in declared order.
 template <class E>
-constexpr auto allCases() {
-  std::array<E, caseCount<E>> cases{};
-  for (std::size_t i = 0; i < cases.size(); ++i) cases[i] = static_cast<E>(i);
-  return cases;
+constexpr const std::array<E, caseCount<E>>& allCases() {
+  return enum_detail::cases<E>;
 }
 
 /// The index of a text in a process-wide table of texts seen; safe from any thread.

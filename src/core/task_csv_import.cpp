@@ -44,9 +44,8 @@ constexpr std::array<KnownColumn, 11> kColumns{{{"title", &Columns::title},
 /// The case whose stored or shown text the cell is, without regard to case.
 template <class E>
 std::optional<E> caseNamed(std::string_view cell) {
-  const auto& table = EnumTexts<E>::table;
-  for (std::size_t i = 0; i < table.size(); ++i)
-    if (equalIgnoringCase(cell, table[i].raw) || equalIgnoringCase(cell, table[i].display)) return static_cast<E>(i);
+  for (const E each : allCases<E>())
+    if (equalIgnoringCase(cell, rawText(each)) || equalIgnoringCase(cell, displayText(each))) return each;
   return std::nullopt;
 }
 
@@ -120,9 +119,8 @@ class RowReader {
     const bool plain = std::ranges::all_of(cell, [](char c) { return c >= '0' && c <= '9'; });
     if (plain || locale_.decimalPoint == ".") {
       double value = 0;
-      const char* const end = cell.data() + cell.size();
-      const auto read = std::from_chars(cell.data(), end, value);
-      if (read.ec == std::errc() && read.ptr == end) return value;
+      const auto read = std::from_chars(cell.data(), cell.data() + cell.size(), value);
+      if (read.ec == std::errc() && read.ptr == cell.data() + cell.size()) return value;
     }
     const auto value = parseNumber(cell, locale_);
     return value ? std::optional(*value) : std::nullopt;
@@ -229,9 +227,10 @@ std::vector<MaintenanceTask> tasksFromRows(const std::vector<TaskCsvRow>& rows, 
     task.recurringEngineHours = row.recurringHours;
     task.priority = row.priority;
     task.kind = row.kind;
-    if (!task.dueDate && task.recurringDays.value_or(0) > 0) task.dueDate = calendar.addDays(now, *task.recurringDays);
-    if (!task.dueAtEngineHours && task.recurringEngineHours.value_or(0) > 0)
-      task.dueAtEngineHours = vessel.reading(task.hourSource) + *task.recurringEngineHours;
+    const std::int64_t days = row.recurringDays.value_or(0);
+    if (!task.dueDate && days > 0) task.dueDate = calendar.addDays(now, days);
+    const double hours = row.recurringHours.value_or(0);
+    if (!task.dueAtEngineHours && hours > 0) task.dueAtEngineHours = vessel.reading(task.hourSource) + hours;
   }
   return tasks;
 }

@@ -91,39 +91,39 @@ TEST(Completion, WithoutReadingsTheVesselStaysAsItIs) {
 TEST(Completion, OnlyPlannedMaintenanceWithAnIntervalAboveZeroRepeats) {
   const struct {
     const char* what;
-    TaskKind kind;
-    TriggerType trigger;
     std::optional<std::int64_t> days;
     std::optional<double> hours;
     std::optional<NextDue> next;
+    TaskKind kind;
+    TriggerType trigger;
     bool hasDate, hasHours;
   } cases[] = {
-      {"no interval", TaskKind::plannedMaintenance, TriggerType::date, {}, {}, {}, true, false},
-      {"zero", TaskKind::plannedMaintenance, TriggerType::both, 0, 0, {}, true, true},
-      {"negative", TaskKind::plannedMaintenance, TriggerType::both, -5, -5, {}, true, true},
-      {"squawk", TaskKind::deficiencySquawk, TriggerType::both, 30, 100, {}, true, true},
-      {"warranty", TaskKind::warranty, TriggerType::date, 30, {}, {}, true, false},
-      {"days", TaskKind::plannedMaintenance, TriggerType::date, 30, {}, NextDue{kNow + 30 * kDay, {}}, true, false},
-      {"hours", TaskKind::plannedMaintenance, TriggerType::engineHours, {}, 100, NextDue{{}, 1100}, false, true},
-      {"both", TaskKind::plannedMaintenance, TriggerType::both, 30, 100, NextDue{kNow + 30 * kDay, 1100}, true, true},
-      {"both, never dated", TaskKind::plannedMaintenance, TriggerType::both, 30, 100, NextDue{kNow + 30 * kDay, 1100},
+      {"no interval", {}, {}, {}, TaskKind::plannedMaintenance, TriggerType::date, true, false},
+      {"zero", 0, 0, {}, TaskKind::plannedMaintenance, TriggerType::both, true, true},
+      {"negative", -5, -5, {}, TaskKind::plannedMaintenance, TriggerType::both, true, true},
+      {"squawk", 30, 100, {}, TaskKind::deficiencySquawk, TriggerType::both, true, true},
+      {"warranty", 30, {}, {}, TaskKind::warranty, TriggerType::date, true, false},
+      {"days", 30, {}, NextDue{kNow + 30 * kDay, {}}, TaskKind::plannedMaintenance, TriggerType::date, true, false},
+      {"hours", {}, 100, NextDue{{}, 1100}, TaskKind::plannedMaintenance, TriggerType::engineHours, false, true},
+      {"both", 30, 100, NextDue{kNow + 30 * kDay, 1100}, TaskKind::plannedMaintenance, TriggerType::both, true, true},
+      {"both, never dated", 30, 100, NextDue{kNow + 30 * kDay, 1100}, TaskKind::plannedMaintenance, TriggerType::both,
        false, true},
-      {"a date task that still carries an hours target moves both", TaskKind::plannedMaintenance, TriggerType::date, 30,
-       100, NextDue{kNow + 30 * kDay, 1100}, true, true},
+      {"a date task that still carries an hours target moves both", 30, 100, NextDue{kNow + 30 * kDay, 1100},
+       TaskKind::plannedMaintenance, TriggerType::date, true, true},
       {"an hours target without interval is spent",
-       TaskKind::plannedMaintenance,
-       TriggerType::both,
        30,
        {},
        NextDue{kNow + 30 * kDay, {}},
+       TaskKind::plannedMaintenance,
+       TriggerType::both,
        true,
        true},
       {"an unused interval does not make a task repeat",
-       TaskKind::plannedMaintenance,
-       TriggerType::date,
        {},
        100,
        {},
+       TaskKind::plannedMaintenance,
+       TriggerType::date,
        true,
        false}};
   for (const auto& each : cases) {
