@@ -22,8 +22,8 @@ AppMenu {
             danger: modelData.danger ?? false
             separator: modelData.separator ?? false
             enabled: !separator && (modelData.enabled ?? true)
-            checkable: menu.value !== undefined && !separator
-            checked: checkable && modelData.value === menu.value
+            checkable: menu?.value !== undefined && !separator
+            checked: checkable && modelData.value === menu?.value
             onTriggered: menu.picked(modelData.value)
         }
         onObjectAdded: (index, object) => menu.insertItem(index, object)

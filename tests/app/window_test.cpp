@@ -1,0 +1,223 @@
+#include <gtest/gtest.h>
+
+#include <QQmlComponent>
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QSignalSpy>
+#include <QStandardItemModel>
+#include <QTest>
+#include <memory>
+
+#include "app/composition.h"
+
+namespace thalvorn::app {
+namespace {
+
+/// The program's own window over an empty fleet, one for all tests of this file; each begins on the home page.
+class Window : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    prepareApplication();
+    composition_ = new Composition(Options{.selfTest = true, .size = QSize(1366, 768)});
+    ASSERT_TRUE(composition_->claimStore());
+    ASSERT_TRUE(composition_->show());
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(composition_->window()));
+    composition_->window()->requestActivate();
+  }
+  static void TearDownTestSuite() {
+    delete composition_;
+    composition_ = nullptr;
+  }
+  void SetUp() override {
+    app().open(QStringLiteral("home"));
+    settle();
+  }
+
+  static AppController& app() { return composition_->app(); }
+  static QQuickWindow* window() { return composition_->window(); }
+  static void settle() {
+    for (int round = 0; round < 5; ++round) QCoreApplication::processEvents();
+  }
+  static void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QTest::keyClick(window(), static_cast<Qt::Key>(key), modifiers);
+    settle();
+  }
+  static void type(const QString& text) {
+    for (const QChar letter : text) QTest::keyClick(window(), letter.toLatin1());
+    settle();
+  }
+
+  /// An item of the given QML over the window's content, gone at the end of the test.
+  QQuickItem* make(const QByteArray& qml) {
+    QQmlComponent component(qmlEngine(window()));
+    component.setData("import QtQuick\nimport Thalvorn\n" + qml, QUrl(QStringLiteral("qrc:/qml/Thalvorn/Test.qml")));
+    item_.reset(qobject_cast<QQuickItem*>(component.create()));
+    EXPECT_TRUE(item_) << component.errorString().toStdString();
+    if (!item_) return nullptr;
+    item_->setParentItem(window()->contentItem());
+    item_->setZ(100);
+    settle();
+    return item_.get();
+  }
+  void TearDown() override {
+    item_.reset();
+    settle();
+  }
+
+  std::unique_ptr<QQuickItem> item_;
+  static inline Composition* composition_ = nullptr;
+};
+
+/// A model of `count` records in categories of ten.
+std::unique_ptr<QStandardItemModel> manyRecords(int count) {
+  auto model = std::make_unique<QStandardItemModel>();
+  model->setItemRoleNames({{Qt::UserRole, "id"}, {Qt::UserRole + 1, "title"}, {Qt::UserRole + 2, "category"}});
+  for (int row = 0; row < count; ++row) {
+    auto* item = new QStandardItem;
+    item->setData(row, Qt::UserRole);
+    item->setData(QStringLiteral("Task %1").arg(row), Qt::UserRole + 1);
+    item->setData(QStringLiteral("Category %1").arg(row / 10), Qt::UserRole + 2);
+    model->appendRow(item);
+  }
+  return model;
+}
+
+TEST_F(Window, OpensPagesByNumberAndGoesBack) {
+  press(Qt::Key_2, Qt::ControlModifier);
+  EXPECT_EQ(app().page(), QStringLiteral("maintenance"));
+  press(Qt::Key_8, Qt::ControlModifier);
+  EXPECT_EQ(app().page(), QStringLiteral("vessels"));
+  press(Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(app().page(), QStringLiteral("maintenance"));
+}
+
+TEST_F(Window, FindsAPageByTypingAndOpensItWithEnter) {
+  press(Qt::Key_K, Qt::ControlModifier);
+  type(QStringLiteral("recurr"));
+  ASSERT_TRUE(QTest::qWaitFor([] {
+    auto* search =
+        qmlEngine(composition_->window())->singletonInstance<QObject*>(qmlTypeId("Thalvorn", 1, 0, "Search"));
+    return search && search->property("words").toString() == u"recurr";
+  }));
+  press(Qt::Key_Return);
+  EXPECT_EQ(app().page(), QStringLiteral("recurringTasks"));
+  press(Qt::Key_K, Qt::ControlModifier);
+  press(Qt::Key_Escape);
+  press(Qt::Key_Escape);
+  EXPECT_EQ(app().page(), QStringLiteral("recurringTasks"));
+}
+
+TEST_F(Window, AMenuCommandReachesThePageInView) {
+  QSignalSpy posted(&app(), &AppController::notification);
+  press(Qt::Key_N, Qt::ControlModifier);
+  ASSERT_EQ(posted.count(), 1);
+  EXPECT_EQ(posted.first().first().toString(), QStringLiteral("newRecord"));
+}
+
+TEST_F(Window, TheTableIsWorkedByKeysAndFolds) {
+  const auto records = manyRecords(40);
+  QQuickItem* table = make(R"(DataTable {
+    property var source: null
+    property string opened
+    width: 600; height: 400
+    model: GroupedRows { groupRole: "category" }
+    onSourceChanged: model.source = source
+    onActivated: (row) => opened = row.title
+    TableColumn { title: "Task"; role: "title" }
+  })");
+  ASSERT_TRUE(table);
+  table->setProperty("source", QVariant::fromValue<QObject*>(records.get()));
+  settle();
+  const auto count = [&] { return table->property("count").toInt(); };
+  const auto chosen = [&] { return table->property("selectedId"); };
+  EXPECT_EQ(count(), 44);
+  QMetaObject::invokeMethod(table, "focusList");
+  press(Qt::Key_Home);
+  press(Qt::Key_Left);
+  EXPECT_EQ(count(), 34) << "Left folds the heading";
+  press(Qt::Key_Down);
+  press(Qt::Key_Down);
+  EXPECT_EQ(chosen(), 10) << "the first record of the second group";
+  press(Qt::Key_Return);
+  EXPECT_EQ(table->property("opened"), QStringLiteral("Task 10"));
+  press(Qt::Key_End);
+  EXPECT_EQ(chosen(), 39);
+  press(Qt::Key_Home);
+  press(Qt::Key_Right);
+  EXPECT_EQ(count(), 44);
+}
+
+TEST_F(Window, ALongTableMakesOnlyTheRowsInSightAndKeepsItsPlace) {
+  const auto records = manyRecords(100000);
+  QQuickItem* table = make(R"(DataTable {
+    width: 600; height: 600
+    TableColumn { title: "Task"; role: "title" }
+  })");
+  ASSERT_TRUE(table);
+  table->setProperty("model", QVariant::fromValue<QObject*>(records.get()));
+  settle();
+  auto* view = table->property("view").value<QQuickItem*>();
+  ASSERT_TRUE(view);
+  auto* content = view->property("contentItem").value<QQuickItem*>();
+  ASSERT_TRUE(content);
+  view->setProperty("contentY", 2000000);
+  settle();
+  EXPECT_GT(content->childItems().size(), 10);
+  EXPECT_LT(content->childItems().size(), 60);
+  records->item(5)->setData(QStringLiteral("Renamed"), Qt::UserRole + 1);
+  settle();
+  EXPECT_EQ(view->property("contentY").toInt(), 2000000);
+}
+
+TEST_F(Window, ASheetAsksBeforeItLosesWhatWasTyped) {
+  QQuickItem* host = make(R"(Item {
+    id: host
+    property alias shown: sheet.opened
+    property int saves: 0
+    function show() { sheet.open(); }
+    FormSheet {
+      id: sheet
+      title: "Test"
+      onSaveRequested: ++host.saves
+      TextInputField { label: "Name"; onEdited: sheet.dirty = true }
+    }
+  })");
+  ASSERT_TRUE(host);
+  QMetaObject::invokeMethod(host, "show");
+  settle();
+  ASSERT_TRUE(host->property("shown").toBool());
+  type(QStringLiteral("x"));
+  press(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(host->property("saves"), 1);
+  press(Qt::Key_Escape);
+  EXPECT_TRUE(host->property("shown").toBool()) << "it asks first";
+  press(Qt::Key_Escape);
+  EXPECT_TRUE(host->property("shown").toBool()) << "Escape keeps editing";
+  press(Qt::Key_Escape);
+  press(Qt::Key_Tab);
+  press(Qt::Key_Return);
+  EXPECT_FALSE(host->property("shown").toBool()) << "discarded";
+}
+
+TEST_F(Window, FieldsWriteBackWhatIsTyped) {
+  QQuickItem* host = make(R"(Column {
+    property alias day: date.date
+    property string number
+    width: 300
+    function start() { number_.forceFocus(); }
+    NumberField { id: number_; label: "Hours"; text: "4,812.4"; decimals: 1; width: 200; onEdited: (text) => parent.number = text }
+    DateField { id: date; label: "Day"; width: 200; onPicked: (day) => date.date = day }
+  })");
+  ASSERT_TRUE(host);
+  QMetaObject::invokeMethod(host, "start");
+  press(Qt::Key_Up);
+  EXPECT_EQ(host->property("number"), QStringLiteral("4,813.4"));
+  press(Qt::Key_Tab);
+  type(QStringLiteral("2 Jan 2027"));
+  press(Qt::Key_Return);
+  EXPECT_EQ(host->property("day").toDateTime().date(), QDate(2027, 1, 2));
+}
+
+}  // namespace
+}  // namespace thalvorn::app
