@@ -92,6 +92,11 @@ std::string spreadsheetDateTime(const LocalTime& time) {
   return seconds == 0 ? minutes : fmt::format("{}:{:02}", minutes, seconds);
 }
 
+std::string spreadsheetDateTime(Timestamp time, const Calendar& calendar) {
+  auto cell = spreadsheetDateTime(calendar.local(time));
+  return parseSpreadsheetDateTime(cell, calendar) == time ? cell : formatTimestamp(time);
+}
+
 std::optional<Timestamp> parseSpreadsheetDateTime(std::string_view text, const Calendar& calendar) {
   const bool wallClock = text.size() == 10 || ((text.size() == 16 || text.size() == 19) && text[10] == ' ');
   if (!wallClock) return parseTimestamp(text);

@@ -39,6 +39,9 @@ std::string spreadsheetDate(std::chrono::year_month_day date);
 /// A date-time cell by the wall clock, "2026-01-14 08:05", with seconds only when there are any.
 std::string spreadsheetDateTime(const LocalTime& time);
 
+/// The same for a point in time, such that it reads back as that point: in UTC where the wall clock shows it twice.
+std::string spreadsheetDateTime(Timestamp time, const Calendar& calendar);
+
 /// Reads "2026-01-14", "2026-01-14 08:05" and "2026-01-14 08:05:30" by the wall clock of the calendar's zone, and any
 /// ISO 8601 time with its offset.
 std::optional<Timestamp> parseSpreadsheetDateTime(std::string_view text, const Calendar& calendar);

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/calendar.h"
+#include "base/csv.h"
+#include "core/service_log.h"
+
+namespace thalvorn {
+
+/// The service history as a CSV file with every field of the logs; `serviceLogsFromCsv` reads it again unchanged. Dates
+/// stand by the wall clock of the calendar; parts are in one cell as `partsText` writes them.
+std::string serviceHistoryCsv(std::span<const ServiceLog> logs, const Calendar& calendar, const CsvFormat& format = {});
+
+/// A row that was left out, or a cell that was, and why.
+struct ServiceCsvProblem {
+  std::size_t line = 0;  ///< of the file, 1 for the first
+  std::string message;
+};
+
+struct ServiceCsvImport {
+  std::vector<ServiceLog> logs;
+  std::vector<ServiceCsvProblem> problems;
+  std::size_t skipped = 0;  ///< rows that gave no log
+};
+
+/// Reads service logs; columns are found by name in any order, only `taskTitle` and `completedDate` are needed. Logs
+/// without an identity get a new one, those without a vessel belong to `vesselID`. A semicolon file has decimal commas.
+ServiceCsvImport serviceLogsFromCsv(std::string_view text, const Uuid& vesselID, const Calendar& calendar,
+                                    std::optional<CsvSeparator> separator = std::nullopt);
+
+}  // namespace thalvorn

@@ -1,0 +1,226 @@
+#include "core/work_list_report.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <unordered_map>
+
+#include "base/date_format.h"
+#include "core/status_reason.h"
+
+namespace thalvorn {
+namespace {
+
+using LastServices = std::unordered_map<Uuid, const ServiceLog*>;
+
+LastServices lastServices(std::span<const ServiceLog> logs) {
+  LastServices last;
+  for (const auto& log : logs) {
+    const auto [found, isNew] = last.emplace(log.taskID, &log);
+    if (!isNew && found->second->completedDate < log.completedDate) found->second = &log;
+  }
+  return last;
+}
+
+std::vector<TaskRow> listed(std::span<const MaintenanceTask> tasks, const Vessel& vessel, TaskQuery query,
+                            const StatusHorizon& horizon) {
+  query.vesselID = vessel.id;
+  return listTasks(tasks, Fleet(std::span(&vessel, 1)), horizon, query);
+}
+
+std::string joined(std::initializer_list<std::string> parts, std::string_view separator) {
+  std::string text;
+  for (const auto& part : parts) {
+    if (part.empty()) continue;
+    if (!text.empty()) text += separator;
+    text += part;
+  }
+  return text;
+}
+
+std::string hours(double value, const ReportSetting& setting) {
+  return formatNumber(value, 1, setting.numbers) + " hrs";
+}
+
+class WorkListWriter {
+ public:
+  WorkListWriter(const Vessel& vessel, const LastServices& last, const ReportSetting& setting,
+                 const StatusHorizon& horizon)
+      : vessel_(vessel), last_(last), setting_(setting), horizon_(horizon) {}
+
+  TableRow row(const MaintenanceTask& task) const {
+    const auto reason = explainStatus(task, vessel_, horizon_, setting_.calendar);
+    return {.cells = {job(task), text(task.category.display()), meter(task, reason), due(task, reason), every(task),
+                      lastDone(task), Cell()}};
+  }
+
+  /// Since when and how the interval runs: "500 hrs / 365 days".
+  std::string every(const MaintenanceTask& task) const {
+    const auto days = task.recurringDays.value_or(0);
+    const auto run = task.recurringEngineHours.value_or(0);
+    return joined({run > 0 ? formatQuantity(run, 1, setting_.numbers) + " hrs" : "",
+                   days > 0 ? fmt::format("{} {}", days, days == 1 ? "day" : "days") : ""},
+                  " / ");
+  }
+
+  const ServiceLog* lastService(const MaintenanceTask& task) const {
+    const auto found = last_.find(task.id);
+    return found == last_.end() ? nullptr : found->second;
+  }
+
+ private:
+  static Cell text(std::string_view value) { return Cell(std::string(value)); }
+
+  Cell job(const MaintenanceTask& task) const {
+    Cell cell(task.title);
+    cell.tick = task.isCompleted ? TickBox::ticked : TickBox::open;
+    const bool planned = task.kind == TaskKind::plannedMaintenance;
+    const bool urgent = task.priority == TaskPriority::high;
+    const std::string marks =
+        joined({urgent ? "High priority" : "", planned ? "" : std::string(task.kind.display())}, "  ·  ");
+    cell.note = joined({marks, task.notes}, "\n");
+    return cell;
+  }
+
+  Cell meter(const MaintenanceTask& task, const StatusReason& reason) const {
+    if (!task.dueAtEngineHours && task.recurringEngineHours.value_or(0) <= 0) return "—";
+    Cell cell = text(task.hourSource.display());
+    cell.note = reason.meterMissing ? "not fitted" : hours(vessel_.reading(task.hourSource), setting_);
+    return cell;
+  }
+
+  Cell due(const MaintenanceTask& task, const StatusReason& reason) const {
+    Cell cell(joined({task.dueDate ? formatDate(setting_.calendar.date(*task.dueDate)) : "",
+                      task.dueAtEngineHours ? hours(*task.dueAtEngineHours, setting_) : ""},
+                     "\n"));
+    if (cell.text.empty()) return "—";
+    cell.strong = reason.status == TaskStatus::overdue;
+    const bool days = reason.decidedBy != TriggerType::engineHours;
+    const bool run = reason.decidedBy && reason.decidedBy != TriggerType::date;
+    cell.note = joined(
+        {days && task.dueDate ? formatDistance(*task.dueDate, setting_.now, setting_.calendar) : "",
+         run && reason.remainingHours ? remaining(*reason.remainingHours) : "",
+         reason.snoozed && task.snoozedUntil ? "snoozed until " + formatDate(setting_.calendar.date(*task.snoozedUntil))
+                                             : ""},
+        "\n");
+    return cell;
+  }
+
+  std::string remaining(double value) const {
+    return value < 0 ? hours(-value, setting_) + " past" : "in " + hours(value, setting_);
+  }
+
+  Cell lastDone(const MaintenanceTask& task) const {
+    const auto* log = lastService(task);
+    if (!log) return "—";
+    Cell cell(formatDate(setting_.calendar.date(log->completedDate)));
+    cell.note = joined(
+        {log->engineHoursAtService > 0 ? hours(log->engineHoursAtService, setting_) : "", log->completedBy}, "  ·  ");
+    return cell;
+  }
+
+  const Vessel& vessel_;
+  const LastServices& last_;
+  const ReportSetting& setting_;
+  const StatusHorizon& horizon_;
+};
+
+FieldGrid metersOf(const Vessel& vessel, const ReportSetting& setting) {
+  FieldGrid grid{.columns = 4};
+  for (const HourSource source : vessel.meters()) {
+    grid.fields.push_back({std::string(displayText(source)), hours(vessel.reading(source), setting)});
+  }
+  if (vessel.engineHoursUpdatedAt) {
+    grid.fields.push_back({"Read on", formatDate(setting.calendar.date(*vessel.engineHoursUpdatedAt))});
+  }
+  return grid;
+}
+
+std::string_view triggerCell(Choice<TriggerType> trigger) {
+  return trigger == TriggerType::engineHours ? std::string_view("hours") : trigger.raw();
+}
+
+}  // namespace
+
+Document workListReport(std::span<const MaintenanceTask> tasks, std::span<const ServiceLog> logs, const Vessel& vessel,
+                        const VesselProfile& profile, const TaskQuery& query, const ReportSetting& setting) {
+  const StatusHorizon horizon(setting.now, setting.calendar);
+  const auto rows = listed(tasks, vessel, query, horizon);
+  const auto last = lastServices(logs);
+  const WorkListWriter writer(vessel, last, setting, horizon);
+
+  Document document = reportOf("Maintenance Work List", vessel, profile, setting);
+  document.orientation = Orientation::landscape;
+  std::array<std::size_t, caseCount<TaskStatus>> counts{};
+  for (const auto& row : rows) ++counts[static_cast<std::size_t>(row.status)];
+  document.headNotes.push_back(fmt::format("{} overdue, {} due soon, {} on track", counts[0], counts[1], counts[2]));
+  if (auto meters = metersOf(vessel, setting); !meters.fields.empty()) document.blocks.push_back(std::move(meters));
+
+  Table table{.columns = {{.title = "Task", .weight = 3},
+                          {.title = "Category", .weight = 1.2},
+                          {.title = "Meter", .wraps = false},
+                          {.title = "Due", .wraps = false},
+                          {.title = "Interval", .weight = 1},
+                          {.title = "Last done", .weight = 1.2},
+                          {.title = "Done: date, hours, initials", .weight = 1.4}},
+              .emptyText = "Nothing is due."};
+  std::optional<std::size_t> group;
+  const auto startGroup = [&](std::string_view title) {
+    if (group) table.rows[*group].cells[0].note = fmt::format("{}", table.rows.size() - *group - 1);
+    if (title.empty()) return;
+    group = table.rows.size();
+    table.rows.push_back({.cells = {Cell(std::string(title))}, .kind = TableRow::Kind::group});
+  };
+  const auto put = [&](const TaskRow& row) { table.rows.push_back(writer.row(tasks[row.index])); };
+  if (query.groupByCategory) {
+    for (const auto& run : categoryGroups(rows, tasks)) {
+      startGroup(run.category.display());
+      for (const auto& row : std::span(rows).subspan(run.first, run.count)) put(row);
+    }
+  } else {
+    for (const TaskStatus status : allCases<TaskStatus>()) {
+      bool started = false;
+      for (const auto& row : rows) {
+        if (row.status != status) continue;
+        if (!started) startGroup(displayText(status));
+        started = true;
+        put(row);
+      }
+    }
+  }
+  startGroup({});
+  document.blocks.push_back(std::move(table));
+  document.blocks.push_back(Signatures{{"Chief Engineer — name, signature, date", "Master — name, signature, date"}});
+  return document;
+}
+
+std::string workListCsv(std::span<const MaintenanceTask> tasks, std::span<const ServiceLog> logs, const Vessel& vessel,
+                        const TaskQuery& query, const ReportSetting& setting, const CsvFormat& format) {
+  const StatusHorizon horizon(setting.now, setting.calendar);
+  const auto last = lastServices(logs);
+  CsvWriter csv(format);
+  constexpr std::array<std::string_view, 16> header = {
+      "title",   "category", "triggerType", "recurringDays", "dueAtHours",   "recurringHours", "hourSource", "notes",
+      "dueDate", "priority", "kind",        "status",        "snoozedUntil", "meterReading",   "lastDone",   "vessel"};
+  csv.row(header);
+  for (const auto& row : listed(tasks, vessel, query, horizon)) {
+    const auto& task = tasks[row.index];
+    csv.text(task.title).text(task.category.raw()).text(triggerCell(task.triggerType));
+    task.recurringDays ? csv.integer(*task.recurringDays) : csv.empty();
+    csv.number(task.dueAtEngineHours).number(task.recurringEngineHours).text(task.hourSource.display());
+    csv.text(task.notes);
+    const auto date = [&](const std::optional<Timestamp>& time) {
+      csv.text(time ? spreadsheetDateTime(*time, setting.calendar) : std::string());
+    };
+    date(task.dueDate);
+    csv.text(task.priority.raw()).text(task.kind.raw()).text(displayText(row.status));
+    date(task.snoozedUntil);
+    csv.number(vessel.reading(task.hourSource));
+    const auto found = last.find(task.id);
+    date(found == last.end() ? std::nullopt : std::optional(found->second->completedDate));
+    csv.text(vessel.name).endRow();
+  }
+  return csv.take();
+}
+
+}  // namespace thalvorn
