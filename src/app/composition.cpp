@@ -1,11 +1,12 @@
 #include "app/composition.h"
 
-#include <QDir>
+#include <QEventLoop>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QHash>
 #include <QIcon>
 #include <QQmlEngine>
+#include <QTimer>
 
 #include "app/module_table.h"
 #include "app/record_form.h"
@@ -23,6 +24,7 @@ namespace {
 
 constexpr int kMajor = 1;
 constexpr int kAside = 100;
+constexpr std::chrono::seconds kPatienceWithCommands{10};
 
 /// Keeps preferences for the length of one run, where there is no store to keep them in.
 class PassingPreferences : public PreferenceStore {
@@ -68,18 +70,27 @@ Composition::Composition(const Options& options) : options_(options) {
   } else if (options_.pictured()) {
     scratch_ = std::make_unique<QTemporaryDir>();
     storeFile_ = scratch_->filePath(QStringLiteral("fleet.sqlite"));
-  } else if (const auto folder = dataFolder()) {
-    storeFile_ = canonicalStorePath(QDir(*folder).filePath(QStringLiteral("fleet.sqlite")));
+  } else if (const auto store = userStoreFile()) {
+    storeFile_ = *store;
   } else {
-    problem_ = folder.error();
+    problem_ = store.error();
   }
 }
 
 Composition::~Composition() {
+  finishCommands();
   // The window goes first: its bindings refer to everything else.
   memory_.reset();
   engine_.reset();
   services_.reset();
+}
+
+void Composition::finishCommands() {
+  if (!instance_ || instance_->runningCommands() == 0) return;
+  QEventLoop loop;
+  connect(instance_.get(), &SingleInstance::idle, &loop, &QEventLoop::quit);
+  QTimer::singleShot(kPatienceWithCommands, &loop, &QEventLoop::quit);
+  loop.exec();
 }
 
 bool Composition::claimStore() {
@@ -105,8 +116,12 @@ void Composition::openStore() {
   auto opened = StoreSession::open(storeFile_, clock_);
   if (opened) {
     session_ = std::move(*opened);
+    commands_ = std::make_unique<cli::WindowCommands>(session_->model());
+    if (instance_) commands_->serve(*instance_);
   } else {
     problem_ = opened.error();
+    // Without a store there is nothing to hold; the command line says itself what is wrong with it.
+    instance_.reset();
   }
 }
 

@@ -18,6 +18,7 @@
 #include "app/store_session.h"
 #include "app/window_memory.h"
 #include "base/calendar.h"
+#include "cli/window_commands.h"
 #include "platform/desktop_settings.h"
 #include "platform/single_instance.h"
 
@@ -43,6 +44,8 @@ class Composition : public QObject {
 
  private:
   void openStore();
+  /// Lets the commands of other processes end before their store goes.
+  void finishCommands();
   void makeControllers();
   void registerForQml();
   void followDesktop();
@@ -60,6 +63,7 @@ class Composition : public QObject {
   QString problem_;  ///< why there is no store, for the user
   std::unique_ptr<SingleInstance> instance_;
   std::unique_ptr<StoreSession> session_;
+  std::unique_ptr<cli::WindowCommands> commands_;
   std::unique_ptr<PreferenceStore> preferences_;
   std::unique_ptr<DesktopSettings> desktop_;
   std::unique_ptr<AppController> app_;

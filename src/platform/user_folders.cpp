@@ -37,6 +37,12 @@ std::expected<QString, QString> dataFolder() {
   return path;
 }
 
+std::expected<QString, QString> userStoreFile() {
+  const auto folder = dataFolder();
+  if (!folder) return std::unexpected(folder.error());
+  return canonicalStorePath(*folder + "/thalvorn.db"_L1);
+}
+
 std::expected<QString, QString> runtimeFolder(qsizetype longestName) {
   const QString user = QString::number(::geteuid());
   for (const QString& base : {qEnvironmentVariable("XDG_RUNTIME_DIR"), "/run/user/"_L1 + user}) {

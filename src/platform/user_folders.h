@@ -10,6 +10,9 @@ namespace thalvorn {
 /// The folder of the user's own data, `$XDG_DATA_HOME/thalvorn` (`~/.local/share/thalvorn`), created with mode 0700.
 std::expected<QString, QString> dataFolder();
 
+/// The store that the desktop program and the command line use when none is named: a file in `dataFolder`.
+std::expected<QString, QString> userStoreFile();
+
 /// A folder for sockets that lives at most as long as the login: `$XDG_RUNTIME_DIR/thalvorn`, else
 /// `/run/user/<uid>/thalvorn`, else `/tmp/thalvorn-<uid>`; mode 0700. A folder that belongs to someone else, or that
 /// others may enter, is never used. `longestName` is the length of the longest name to be placed in it: a folder

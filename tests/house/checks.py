@@ -77,7 +77,7 @@ ARROWS = {
     "reports": {"base", "document"},
     "platform": set(),
     "cli": BELOW_CLI,
-    "app": BELOW_CLI,
+    "app": BELOW_CLI | {"cli"},
 }
 # What only some rooms may use: the domain knows neither Qt nor files, and of the clock only the one that base hands in;
 # SQLite and the desktop have one room each.

@@ -78,9 +78,9 @@ int print(const CommandResult& result) {
 
 std::expected<QString, CommandResult> storePath(const CommandLine& line) {
   if (line.storeFile) return canonicalStorePath(QFile::decodeName(line.storeFile->c_str()));
-  const auto folder = dataFolder();
-  if (!folder) return std::unexpected(refused(folder.error().toStdString()));
-  return canonicalStorePath(*folder + QLatin1StringView("/thalvorn.db"));
+  const auto store = userStoreFile();
+  if (!store) return std::unexpected(refused(store.error().toStdString()));
+  return *store;
 }
 
 CommandResult refusedBy(const InstanceError& error) { return refused(error.message.toStdString()); }
