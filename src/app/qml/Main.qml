@@ -20,6 +20,15 @@ T.ApplicationWindow {
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
     LayoutMirroring.childrenInherit: true
 
+    // What cannot be saved would be lost with the window: ask first.
+    property bool leaving: false
+    onClosing: (close) => {
+        if (Fleet.saveError.length > 0 && !leaving) {
+            close.accepted = false;
+            quitDialog.open();
+        }
+    }
+
     menuBar: App.phase === "welcome" ? null : bar
 
     ShellMenuBar { id: bar; visible: App.phase !== "welcome" }
@@ -90,6 +99,17 @@ T.ApplicationWindow {
     AboutDialog { id: about }
     ShortcutsDialog { id: shortcuts }
     SheetHost { id: sheets }
+    ConfirmDialog {
+        id: quitDialog
+        title: "Quit with unsaved changes?"
+        text: Fleet.saveText + ". " + Fleet.saveError
+        confirmText: "Quit and lose them"
+        cancelText: "Stay"
+        onConfirmed: {
+            window.leaving = true;
+            window.close();
+        }
+    }
 
     Connections {
         target: App
