@@ -92,6 +92,7 @@ struct Command {
   bool createsStore = false;         ///< makes the store when there is none yet
   std::string_view onlyPrefix = {};  ///< the user it works on whatever `--user` says; empty for most
   Input input = Input::never;
+  bool drawsPages = false;  ///< needs the typefaces of a QGuiApplication
   std::string_view summary;
   std::string_view details;
   QCoro::Task<CommandResult> (*run)(CommandContext, Arguments);

@@ -54,7 +54,25 @@ constexpr std::array kHistory{
     Option{"--to", "DATE", "services until the end of this day"},
 };
 
+constexpr std::array kReport{
+    Option{"--pdf", "FILE", "write the report as PDF"},
+    Option{"--csv", "FILE", "write the report as CSV for a spreadsheet"},
+    Option{"--detailed", "", "with notes, parts and corrections (service-history)"},
+    Option{"--vessel", "VESSEL", "of this vessel; needed when the fleet has several"},
+    Option{"--from", "DATE", "services from this day on"},
+    Option{"--to", "DATE", "services until the end of this day"},
+};
+
 constexpr std::array kCommands{
+    Command{.name = "demo",
+            .operands = "",
+            .options = {},
+            .access = Access::edits,
+            .createsStore = true,
+            .onlyPrefix = "demo",
+            .summary = "Fill the store with the demo fleet, dated relative to today",
+            .details = "What stood under the user demo is replaced; other users’ records are not touched.",
+            .run = fillDemo},
     Command{.name = "board",
             .operands = "",
             .options = kBoard,
@@ -124,6 +142,15 @@ constexpr std::array kCommands{
             .summary = "Show the service history with its costs",
             .details = {},
             .run = showHistory},
+    Command{.name = "report",
+            .operands = "work-list|service-history",
+            .fewestOperands = 1,
+            .mostOperands = 1,
+            .options = kReport,
+            .drawsPages = true,
+            .summary = "Write the work list or the service history as PDF or CSV",
+            .details = "import-tasks reads the CSV of the work list again.",
+            .run = writeReport},
     Command{.name = "templates",
             .operands = "",
             .options = kTemplates,

@@ -22,8 +22,10 @@ QCoro::Task<CommandResult> showTemplates(CommandContext context, Arguments argum
 QCoro::Task<CommandResult> addTemplates(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> importTasks(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> showHistory(CommandContext context, Arguments arguments);
+QCoro::Task<CommandResult> writeReport(CommandContext context, Arguments arguments);
 
 // The store's file.
+QCoro::Task<CommandResult> fillDemo(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> checkStore(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> backUpStore(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> restoreStore(CommandContext context, Arguments arguments);

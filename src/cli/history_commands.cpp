@@ -8,26 +8,18 @@
 #include "base/date_format.h"
 #include "base/number_format.h"
 #include "cli/commands.h"
+#include "cli/history_query.h"
 #include "cli/json_text.h"
 #include "cli/store_use.h"
 #include "cli/text_table.h"
 #include "cli/values.h"
 
 namespace thalvorn::cli {
-namespace {
 
-/// Which services are asked for; empty means any.
-struct HistoryQuery {
-  std::optional<Uuid> vesselID;
-  std::optional<Uuid> taskID;
-  std::optional<Timestamp> from;
-  std::optional<Timestamp> to;
-
-  bool takes(const ServiceLog& log) const {
-    return (!vesselID || log.vesselID == *vesselID) && (!taskID || log.taskID == *taskID) &&
-           (!from || log.completedDate >= *from) && (!to || log.completedDate <= *to);
-  }
-};
+bool HistoryQuery::takes(const ServiceLog& log) const {
+  return (!vesselID || log.vesselID == *vesselID) && (!taskID || log.taskID == *taskID) &&
+         (!from || log.completedDate >= *from) && (!to || log.completedDate <= *to);
+}
 
 std::expected<HistoryQuery, CommandResult> historyQuery(const CommandContext& context, const Arguments& arguments) {
   HistoryQuery query;
@@ -51,6 +43,17 @@ std::expected<HistoryQuery, CommandResult> historyQuery(const CommandContext& co
   }
   return query;
 }
+
+std::vector<const ServiceLog*> services(const AppViewModel& store, const HistoryQuery& query) {
+  std::vector<const ServiceLog*> found;
+  for (const ServiceLog& log : store.logs().records())
+    if (query.takes(log)) found.push_back(&log);
+  std::ranges::sort(found, std::greater(),
+                    [](const ServiceLog* log) { return std::pair(log->completedDate, log->id); });
+  return found;
+}
+
+namespace {
 
 std::string currencyOf(const AppViewModel& store, const Uuid& vesselID) {
   const VesselProfile* profile = store.profileOf(vesselID);
@@ -98,11 +101,7 @@ QCoro::Task<CommandResult> showHistory(CommandContext context, Arguments argumen
   const AppViewModel& store = *context.store;
   const auto query = historyQuery(context, arguments);
   if (!query) co_return query.error();
-  History history;
-  for (const ServiceLog& log : store.logs().records())
-    if (query->takes(log)) history.logs.push_back(&log);
-  std::ranges::sort(history.logs, std::greater(),
-                    [](const ServiceLog* log) { return std::pair(log->completedDate, log->id); });
+  History history{.logs = services(store, *query), .totals = {}};
   for (const ServiceLog* log : history.logs)
     if (const auto cost = totalCost(*log)) history.totals[currencyOf(store, log->vesselID)] += *cost;
   co_return done(context.json ? historyJson(store, history) : historyTable(context, history));

@@ -45,6 +45,24 @@ bool isNewOrStore(const fs::path& file) {
 
 }  // namespace
 
+QCoro::Task<CommandResult> fillDemo(CommandContext context, Arguments) {
+  AppViewModel& store = *context.store;
+  const SaveResult saved = co_await store.fillDemoFleet();
+  if (!saved) co_return refused(saved.error().message);
+  co_await store.reloadForUser(std::string(AppViewModel::demoPrefix));
+  if (context.json) {
+    co_return done(JsonObject()
+                       .count("vessels", store.vessels().size())
+                       .count("tasks", store.tasks().size())
+                       .count("logs", store.logs().size())
+                       .take() +
+                   "\n");
+  }
+  co_return done(fmt::format(
+      "The demo fleet is there: {}, {}, {}.\n", counted(store.vessels().size(), "vessel", "vessels"),
+      counted(store.tasks().size(), "task", "tasks"), counted(store.logs().size(), "service log", "service logs")));
+}
+
 QCoro::Task<CommandResult> checkStore(CommandContext context, Arguments) {
   const LocalCache& cache = context.store->cache();
   const CacheReport report = co_await onWorkerThread<CacheReport>([&cache] { return cache.check(); });

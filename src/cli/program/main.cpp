@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QUtf8StringView>
 #include <array>
@@ -120,13 +121,25 @@ CommandResult carryOut(const CommandLine& line, const std::vector<std::string>& 
   return explained(runInThisProcess(line, surroundings), line.command);
 }
 
-CommandResult run(const std::vector<std::string>& words) {
+/// The event loop that saving needs, and the typefaces when pages are drawn; both without a display.
+std::unique_ptr<QCoreApplication> makeApplication(bool drawsPages, int& argc, char** argv) {
+  if (!drawsPages) return std::make_unique<QCoreApplication>(argc, argv);
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  // What the toolkit misses of a desktop is no matter of whoever prints a report.
+  const QtMessageHandler usual = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+  auto application = std::make_unique<QGuiApplication>(argc, argv);
+  qInstallMessageHandler(usual);
+  return application;
+}
+
+CommandResult run(const std::vector<std::string>& words, int argc, char** argv) {
   for (const std::string& word : words)
     if (!QUtf8StringView(word.data(), static_cast<qsizetype>(word.size())).isValidUtf8())
       return explained(misused("An argument is not UTF-8 text."), nullptr);
   const auto line = parseCommandLine(words);
   if (!line) return line.error();
   if (auto answer = answerWithoutStore(*line)) return explained(std::move(*answer), line->command);
+  const auto application = makeApplication(line->command->drawsPages, argc, argv);
   return carryOut(*line, words);
 }
 
@@ -136,11 +149,10 @@ int main(int argc, char** argv) {
   occupyStandardStreams();
   std::signal(SIGPIPE, SIG_IGN);
   const std::vector<std::string> words(argv + 1, argv + argc);
-  const QCoreApplication application(argc, argv);
   QLoggingCategory::setFilterRules(QStringLiteral("thalvorn.*.info=false\nthalvorn.*.debug=false"));
   qSetMessagePattern(QStringLiteral("%{message}"));
   try {
-    return print(run(words));
+    return print(run(words, argc, argv));
   } catch (const std::exception& problem) {
     return print(explained(refused(fmt::format("The command failed: {}.", problem.what())), nullptr));
   }

@@ -1,0 +1,43 @@
+#include <map>
+#include <memory>
+
+#include "core/demo_fleet.h"
+#include "store/app_view_model.h"
+
+namespace thalvorn {
+namespace {
+
+using EntryLists = std::map<std::string, std::vector<std::string>>;
+
+/// The records as the cache keeps them: in the entry of their kind and, where that leaves fields out, its side entry.
+template <class T>
+void addEntries(EntryLists& lists, const std::vector<T>& records) {
+  const std::string suffix(RecordKind<T>::facts.suffix);
+  for (const T& record : records) {
+    lists[suffix].push_back(toJson(record));
+    if constexpr (HasExtraFields<T>) {
+      if (std::string extra = extraJson(record); !extra.empty()) lists[suffix + "_extra"].push_back(std::move(extra));
+    }
+  }
+}
+
+}  // namespace
+
+Saving AppViewModel::fillDemoFleet() {
+  if (cache_.isReadOnly()) return refused(cache_.readOnlyReason());
+  const DemoFleet fleet = demoFleet(now(), calendar());
+  EntryLists lists;
+  addEntries(lists, fleet.vessels);
+  addEntries(lists, fleet.profiles);
+  addEntries(lists, fleet.tasks);
+  addEntries(lists, fleet.logs);
+  const auto promise = std::make_shared<QPromise<SaveResult>>();
+  promise->start();
+  cache_.replaceAll(std::string(demoPrefix), std::move(lists), [promise](std::expected<Revision, CacheError> result) {
+    promise->addResult(result ? SaveResult(*result) : std::unexpected(StoreError{result.error().message}));
+    promise->finish();
+  });
+  return promise->future();
+}
+
+}  // namespace thalvorn
