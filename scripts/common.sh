@@ -20,17 +20,20 @@ die() {
 # A checkout may belong to another user than the one who builds it (sudo, a mounted folder).
 git() { command git -c safe.directory="$root" "$@"; }
 
-# Reads a build's output; on a terminal shows how far it is, on one line.
+# Reads a build's output and shows how far it is: on a terminal on one line, elsewhere once, when there is much to do.
 show_progress() {
-  local what=$1 line
-  if [ -t 1 ]; then
-    while IFS= read -r line; do
-      case $line in "["*"/"*"]"*) printf '\r%s %s\033[K' "$what" "${line%%]*}]" ;; esac
-    done
-    printf '\r\033[K'
-  else
-    cat >/dev/null
-  fi
+  local what=$1 line steps told=
+  while IFS= read -r line; do
+    case $line in "["*"/"*"]"*) ;; *) continue ;; esac
+    steps=${line%%]*}
+    steps=${steps#*/}
+    if [ -t 1 ]; then printf '\r%s %s\033[K' "$what" "${line%%]*}]"
+    elif [ -z "$told" ] && [ "$steps" -gt 9 ]; then
+      echo "$what: $steps steps"
+      told=yes
+    fi
+  done
+  [ ! -t 1 ] || printf '\r\033[K'
 }
 
 # quietly LOG WHAT COMMAND…: runs the command; its output goes to LOG and is shown only when it fails.
@@ -52,7 +55,6 @@ build() {
     rm -rf "$folder" # the checkout was moved or copied
   fi
   if [ ! -e "$folder/build.ninja" ]; then
-    [ -t 1 ] || echo "Building ($preset); the first build takes some minutes."
     quietly "build/log/configure-$preset.txt" "Configuring ($preset)" cmake --preset "$preset"
   fi
   local target arguments=()
