@@ -4,6 +4,7 @@
 #include <QThreadPool>
 #include <algorithm>
 
+#include "store/legacy_migration.h"
 #include "store/list_loader.h"
 #include "store/logging.h"
 
@@ -17,6 +18,19 @@ constexpr std::size_t kUndoDepth = 50;
 constexpr milliseconds kPushDelay{2500};
 constexpr milliseconds kRetryDelay{5000};
 constexpr seconds kPeriodicSync{300};
+
+constexpr auto kSuffixes = [] {
+  std::array<std::string_view, boost::mp11::mp_size<RecordTypes>::value> suffixes{};
+  std::size_t i = 0;
+  boost::mp11::mp_for_each<boost::mp11::mp_transform<std::type_identity, RecordTypes>>(
+      [&]<class T>(std::type_identity<T>) { suffixes[i++] = RecordKind<T>::facts.suffix; });
+  return suffixes;
+}();
+
+/// The kinds whose records older programs gave photos or files inside the record.
+template <class T>
+concept HasInlineContent =
+    requires(const std::vector<T>& records, const AttachmentStore& files) { moveInlineContent(records, files); };
 
 std::string markKey(std::string_view suffix, const Uuid& id) { return std::string(suffix) + ' ' + id.toString(); }
 
@@ -47,11 +61,13 @@ struct AppViewModel::Loaded {
   };
   ListsOf<RecordTypes>::type lists;
   std::unordered_map<std::string, Revision> dirty;
+  Edit contentMoved{.label = "Photos and files moved to disk"};      ///< of records as an older program left them
+  std::vector<std::pair<std::string_view, std::size_t>> movedBytes;  ///< by suffix
   std::string problem;
 };
 
 AppViewModel::AppViewModel(LocalCache& cache, const Clock& clock, QObject* parent)
-    : QObject(parent), cache_(cache), clock_(clock) {
+    : QObject(parent), cache_(cache), clock_(clock), attachments_(cache.file().parent_path() / "files") {
   retryTimer_.setSingleShot(true);
   retryTimer_.setInterval(kRetryDelay);
   connect(&retryTimer_, &QTimer::timeout, this, &AppViewModel::retrySaving);
@@ -105,8 +121,11 @@ const VesselProfile* AppViewModel::profileOf(const Uuid& vesselID) const {
 // ---- loading
 // ----------------------------------------------------------------------------------------------------------
 
-AppViewModel::Loaded AppViewModel::decodeState(const LocalCache& cache, const std::string& prefix) {
+AppViewModel::Loaded AppViewModel::decodeState(LocalCache& cache, const AttachmentStore& attachments,
+                                               const std::string& prefix, Timestamp now) {
   Loaded loaded;
+  if (prefix.empty()) return loaded;
+  if (!cache.isReadOnly()) adoptLegacyEntries(cache, prefix, kSuffixes, now);
   auto state = cache.load(prefix);
   if (!state) {
     loaded.problem = state.error().message;
@@ -114,11 +133,26 @@ AppViewModel::Loaded AppViewModel::decodeState(const LocalCache& cache, const st
   }
   forEachKind([&]<class T>(std::type_identity<T>) {
     ListLoader<T> loader(prefix, [&](std::string key, std::string bytes, std::string reason) {
-      const_cast<LocalCache&>(cache).keepCorrupt(std::move(key), std::move(bytes), std::move(reason));
+      cache.keepCorrupt(std::move(key), std::move(bytes), std::move(reason));
     });
     loader.readSegments(*state);
     loader.replay(state->journal);
     std::get<std::vector<T>>(loaded.lists) = loader.take();
+    if constexpr (HasInlineContent<T>) {
+      if (cache.isReadOnly()) return;
+      std::vector<T>& records = std::get<std::vector<T>>(loaded.lists);
+      ContentMoves<T> moves = moveInlineContent(records, attachments);
+      for (const std::string& failure : moves.failures) qCWarning(storeLog, "⚠️ %s", failure.c_str());
+      if (moves.records.empty()) return;
+      loaded.movedBytes.emplace_back(RecordKind<T>::facts.suffix, moves.bytes);
+      std::unordered_map<Uuid, T> moved;
+      for (auto& [before, after] : moves.records) {
+        moved.emplace(after.id, after);
+        loaded.contentMoved.replace(std::move(before), std::move(after));
+      }
+      for (T& record : records)
+        if (const auto found = moved.find(record.id); found != moved.end()) record = std::move(found->second);
+    }
   });
   if (prefix != demoPrefix && prefix != localPrefix) {
     for (const auto* edits : {&state->unsent, &state->journal})
@@ -145,12 +179,26 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
     const auto ordered = vesselsInOrder();
     selectedVessel_ = ordered.empty() ? std::nullopt : std::optional(ordered.front()->id);
   }
+  saveMovedContent(loaded);
+
   isReloading_ = false;
   Q_EMIT prefixChanged();
   Q_EMIT selectedVesselIDChanged();
   Q_EMIT isReloadingChanged();
   Q_EMIT undoableChanged();
   Q_EMIT reloaded();
+}
+
+void AppViewModel::saveMovedContent(const Loaded& loaded) {
+  if (loaded.contentMoved.empty()) return;
+  Saving saving = save({.prefix = prefix_,
+                        .at = now(),
+                        .label = loaded.contentMoved.label,
+                        .changes = entryChanges(loaded.contentMoved)});
+  saving.then(this, [prefix = prefix_, moved = loaded.movedBytes](const SaveResult& result) {
+    if (!result) return;
+    for (const auto& [suffix, bytes] : moved) logMovedContent(suffix, prefix + std::string(suffix), bytes);
+  });
 }
 
 QCoro::Task<void> AppViewModel::reloadForUser(std::string prefix) {
@@ -160,9 +208,9 @@ QCoro::Task<void> AppViewModel::reloadForUser(std::string prefix) {
   Q_EMIT isReloadingChanged();
   const auto promise = std::make_shared<QPromise<std::shared_ptr<Loaded>>>();
   QFuture<std::shared_ptr<Loaded>> future = promise->future();
-  QThreadPool::globalInstance()->start([cache = &cache_, prefix, promise] {
+  QThreadPool::globalInstance()->start([cache = &cache_, attachments = attachments_, prefix, promise, now = now()] {
     promise->start();
-    promise->addResult(std::make_shared<Loaded>(decodeState(*cache, prefix)));
+    promise->addResult(std::make_shared<Loaded>(decodeState(*cache, attachments, prefix, now)));
     promise->finish();
   });
   const std::shared_ptr<Loaded> loaded = co_await future;
@@ -172,7 +220,7 @@ QCoro::Task<void> AppViewModel::reloadForUser(std::string prefix) {
 
 void AppViewModel::reloadNow(std::string prefix) {
   ++reloadGeneration_;
-  take(decodeState(cache_, prefix), prefix);
+  take(decodeState(cache_, attachments_, prefix, now()), prefix);
 }
 
 void AppViewModel::clear() {

@@ -14,6 +14,7 @@
 
 #include "base/calendar.h"
 #include "core/task_board.h"
+#include "store/attachments.h"
 #include "store/collection.h"
 #include "store/edit.h"
 #include "store/local_cache.h"
@@ -91,6 +92,8 @@ class AppViewModel : public QObject {
   bool staysOnThisComputer() const { return prefix_ == demoPrefix || prefix_ == localPrefix; }
 
   LocalCache& cache() const { return cache_; }
+  /// The photos and files of the records, in the folder "files" beside the store's file.
+  const AttachmentStore& attachments() const { return attachments_; }
   const Clock& clock() const { return clock_; }
   Timestamp now() const { return clock_.now(); }
   Calendar calendar() const { return clock_.calendar(); }
@@ -198,8 +201,10 @@ class AppViewModel : public QObject {
     std::shared_ptr<QPromise<SaveResult>> promise;
   };
 
-  static Loaded decodeState(const LocalCache& cache, const std::string& prefix);
+  static Loaded decodeState(LocalCache& cache, const AttachmentStore& attachments, const std::string& prefix,
+                            Timestamp now);
   void take(Loaded loaded, const std::string& prefix);
+  void saveMovedContent(const Loaded& loaded);
   void applyInMemory(const Edit& edit);
   std::optional<AnyRecord> currentOf(const AnyRecord& like) const;
   Saving save(JournalEntry entry);
@@ -213,6 +218,7 @@ class AppViewModel : public QObject {
 
   LocalCache& cache_;
   const Clock& clock_;
+  AttachmentStore attachments_;
   Collections collections_;
   std::string prefix_;
   std::string accountId_;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QCoreApplication>
 #include <QCoroFuture>
 #include <QTemporaryDir>
 
@@ -200,6 +201,25 @@ TEST_F(Store, AReplacedMeterTakesItsTasksAlong) {
   ASSERT_EQ(viewModel->vessels()[0].meterHistory.size(), 1U);
   EXPECT_EQ(viewModel->vessels()[0].meterHistory[0].reason, "New panel");
   EXPECT_EQ(viewModel->tasks()[0].dueAtEngineHours, 88);
+}
+
+TEST_F(Store, PhotosInsideRecordsMoveToDiskOnce) {
+  const Vessel vessel = addVessel("Meridian");
+  MaintenanceTask task{.id = Uuid::random(), .vesselID = vessel.id, .title = "Old"};
+  task.photoData = {Bytes{{0xFF, 0xD8, 0xFF, 0xE0, 1, 2, 3}}};
+  const std::map<std::string, std::vector<std::string>> old{{"_vessels", {toJson(vessel)}}, {"_tasks", {toJson(task)}}};
+  ASSERT_TRUE(waitForDone([&](LocalCache::Done done) { cache->replaceAll("local", old, std::move(done)); }));
+  MessageCatcher messages;
+  viewModel->reloadNow("local");
+  for (int round = 0; round < 2; ++round) {
+    const MaintenanceTask& moved = viewModel->tasks()[0];
+    EXPECT_TRUE(moved.photoData.empty());
+    ASSERT_EQ(moved.photoPaths.size(), 1U);
+    EXPECT_TRUE(viewModel->attachments().absolute(moved.photoPaths[0]));
+    while (viewModel->unsavedCount() > 0) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    open();
+  }
+  EXPECT_THAT(messages.text(), HasSubstr("🧹 purged tasks blob: local_tasks → "));
 }
 
 TEST_F(Store, TellsListenersWhichFieldsChanged) {
