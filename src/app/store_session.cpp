@@ -2,6 +2,7 @@
 
 #include <QCoroFuture>
 
+#include "store/legacy_migration.h"
 #include "store/preferences.h"
 
 namespace thalvorn::app {
@@ -15,13 +16,12 @@ constexpr std::string_view kLastFleet = "thalvorn.lastFleet";
 std::expected<std::unique_ptr<StoreSession>, QString> StoreSession::open(const QString& file, const Clock& clock) {
   auto cache = LocalCache::open(std::filesystem::path(file.toStdString()));
   if (!cache) return std::unexpected(QString::fromStdString(cache.error().message));
+  if (!(*cache)->isReadOnly()) migratePreferences(**cache, THALVORN_PREVIOUS_PREFERENCE_DOMAIN);
   return std::unique_ptr<StoreSession>(new StoreSession(std::move(*cache), clock));
 }
 
 StoreSession::StoreSession(std::unique_ptr<LocalCache> cache, const Clock& clock)
-    : cache_(std::move(cache)),
-      attachments_(cache_->file().parent_path() / "files"),
-      model_(std::make_unique<AppViewModel>(*cache_, clock)) {}
+    : cache_(std::move(cache)), model_(std::make_unique<AppViewModel>(*cache_, clock)) {}
 
 StoreSession::~StoreSession() = default;
 

@@ -9,7 +9,6 @@
 #include "app/app_controller.h"
 #include "base/calendar.h"
 #include "store/app_view_model.h"
-#include "store/attachments.h"
 #include "store/local_cache.h"
 
 namespace thalvorn::app {
@@ -26,7 +25,7 @@ class StoreSession : public QObject {
   AppViewModel& model() { return *model_; }
   LocalCache& cache() { return *cache_; }
   /// Photos and files of the records, beside the store's file.
-  const AttachmentStore& attachments() const { return attachments_; }
+  const AttachmentStore& attachments() const { return model_->attachments(); }
 
   /// Whose records to show at start: the signed-in user's, else the fleet that was open last on this computer; empty
   /// when nobody has chosen one.
@@ -47,7 +46,6 @@ class StoreSession : public QObject {
   QCoro::Task<void> read(std::string prefix);
 
   std::unique_ptr<LocalCache> cache_;
-  AttachmentStore attachments_;
   std::unique_ptr<AppViewModel> model_;
 };
 
