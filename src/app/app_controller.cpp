@@ -19,6 +19,8 @@ constexpr int kNumberedPages = 9;
 
 QString appearanceKey() { return QStringLiteral("thalvorn.appearance"); }
 
+QString hiddenModulesKey() { return QStringLiteral("thalvorn.hiddenModulesRaw"); }
+
 QString text(const char16_t* literal) { return literal ? QString::fromUtf16(literal) : QString(); }
 
 QString shown(const QString& portable) {
@@ -85,6 +87,22 @@ QVariantList AppController::pages() const {
   return list;
 }
 
+QStringList AppController::hiddenModules() const {
+  return preferences_.preference(hiddenModulesKey()).split(u',', Qt::SkipEmptyParts);
+}
+
+void AppController::setModuleHidden(const QString& page, bool hidden) {
+  QStringList pages = hiddenModules();
+  if (pages.contains(page) == hidden || !findPage(page)) return;
+  if (hidden) {
+    pages.append(page);
+  } else {
+    pages.removeAll(page);
+  }
+  preferences_.setPreference(hiddenModulesKey(), pages.join(u','));
+  Q_EMIT hiddenModulesChanged();
+}
+
 QVariantList AppController::menus() const {
   QVariantList list;
   for (const Command& command : commandTable()) {
@@ -144,7 +162,11 @@ void AppController::open(const QString& page, const QVariantMap& arguments) {
     qWarning("There is no page named %s", qUtf8Printable(page));
     return;
   }
-  if (page == current_.page && arguments == current_.arguments) return;
+  if (page == current_.page && arguments == current_.arguments) {
+    // The same record again: the page shows it once more.
+    if (!arguments.isEmpty()) Q_EMIT pageChanged();
+    return;
+  }
   history_.push_back(current_);
   if (history_.size() > kHistoryLength) history_.erase(history_.begin());
   current_ = {page, arguments};

@@ -28,6 +28,7 @@ class AppController : public QObject {
   Q_PROPERTY(QVariantMap pageArguments READ pageArguments NOTIFY pageChanged)
   Q_PROPERTY(bool canGoBack READ canGoBack NOTIFY pageChanged)
   Q_PROPERTY(QVariantList pages READ pages CONSTANT)
+  Q_PROPERTY(QStringList hiddenModules READ hiddenModules NOTIFY hiddenModulesChanged)
   Q_PROPERTY(QVariantList menus READ menus CONSTANT)
   Q_PROPERTY(QVariantList shortcuts READ shortcuts CONSTANT)
   Q_PROPERTY(QVariantMap statusHelp READ statusHelp CONSTANT)
@@ -58,6 +59,9 @@ class AppController : public QObject {
 
   /// All pages: {id, title, icon, group, source, inSidebar, shortcut}.
   QVariantList pages() const;
+  /// Ids of the pages that the user keeps out of the sidebar; they stay reachable by menu and search.
+  QStringList hiddenModules() const;
+  Q_INVOKABLE void setModuleHidden(const QString& page, bool hidden);
   /// The menu bar: [{title, items: [{title, shortcut, notification, separator, enabled}]}].
   QVariantList menus() const;
   /// Every key the shell itself listens to: [{keys, notification}].
@@ -69,7 +73,7 @@ class AppController : public QObject {
   QString problem() const { return problem_; }
   void setProblem(const QString& problem) { problem_ = problem; }
 
-  /// Shows a page. `arguments` reach the page as its `arguments` property, for instance {"taskId": …}.
+  /// Shows a page. `arguments` reach the page as its `args` and by its signal `opened`, for instance {"highlight": …}.
   Q_INVOKABLE void open(const QString& page, const QVariantMap& arguments = {});
   /// Returns to the page before, with the arguments it had.
   Q_INVOKABLE void back();
@@ -91,6 +95,7 @@ class AppController : public QObject {
   void darkChanged();
   void reducedMotionChanged();
   void pageChanged();
+  void hiddenModulesChanged();
   void notification(const QString& name);
   void sheetRequested(const QString& source, const QVariantMap& properties);
   void toastRequested(const QString& text, const QString& tone);

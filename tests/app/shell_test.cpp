@@ -99,6 +99,18 @@ TEST(Appearance, FollowsTheDesktopUntilChosenAndIsRemembered) {
   EXPECT_EQ(AppController(preferences).appearance(), QStringLiteral("system"));
 }
 
+TEST(Modules, HiddenOnesAreRemembered) {
+  FakePreferences preferences;
+  {
+    AppController app(preferences);
+    app.setModuleHidden(QStringLiteral("recurringTasks"), true);
+    app.setModuleHidden(QStringLiteral("importTasks"), true);
+    app.setModuleHidden(QStringLiteral("nowhere"), true);
+    app.setModuleHidden(QStringLiteral("recurringTasks"), false);
+  }
+  EXPECT_EQ(AppController(preferences).hiddenModules(), QStringList{QStringLiteral("importTasks")});
+}
+
 TEST(Options, RefusesWhatItDoesNotUnderstand) {
   const auto parse = [](const QStringList& words) {
     return parseOptions(QStringList{QStringLiteral("thalvorn")} + words);

@@ -52,6 +52,12 @@ T.ApplicationWindow {
         focus: true
     }
 
+    BusyState {
+        anchors.fill: pages
+        running: App.phase === "loading"
+        text: "Reading the fleet…"
+    }
+
     Loader {
         active: App.phase === "welcome"
         anchors.fill: parent

@@ -3,7 +3,8 @@ import QtQuick.Layouts
 import Thalvorn
 
 // A page of the program: the head with title, search and actions, and the body below it.
-// The shell sets `arguments` when the page is opened; menu commands arrive as `posted(name)` while it is shown.
+// What the page was opened with, App.open(id, args), stands in `args`, and `opened(args)` tells of each opening, for
+// instance with {highlight: id}. Menu commands arrive as `posted(name)` while the page is shown.
 FocusScope {
     id: root
 
@@ -11,7 +12,7 @@ FocusScope {
     property string note
     property string searchPlaceholder
     property alias searchText: search.text
-    property var arguments: ({})
+    property var args: ({})
     property Component help
     property bool current: true
     property int padding: Theme.pagePadding
@@ -21,6 +22,7 @@ FocusScope {
     signal searchEdited(string text)
     signal searchLeft()
     signal posted(string name)
+    signal opened(var args)
 
     function find() {
         if (!searchPlaceholder)

@@ -239,7 +239,7 @@ Page {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 200
                     Layout.preferredHeight: 180
-                    BusyState { running: true; shown: true; text: "Reading 100,000 records…" }
+                    BusyState { anchors.fill: parent; running: true; shown: true; text: "Reading 100,000 records…" }
                 }
             }
             UndoBar { text: "“Fuel filter replacement” deleted" }

@@ -20,13 +20,13 @@ FocusScope {
         delegate: Loader {
             required property var modelData
             readonly property bool shown: App.page === modelData.id
-            readonly property var arguments: shown ? App.pageArguments : null
+            readonly property var args: shown ? App.pageArguments : null
 
             anchors.fill: parent
             visible: shown
             focus: shown
             onShownChanged: take()
-            onArgumentsChanged: give()
+            onArgsChanged: give()
             onLoaded: give()
             Component.onCompleted: take()
 
@@ -39,10 +39,13 @@ FocusScope {
                     forceActiveFocus();
             }
             function give() {
-                if (item && arguments !== null)
-                    item.arguments = arguments;
-                if (item)
-                    item.current = shown;
+                if (!item)
+                    return;
+                item.current = shown;
+                if (args !== null) {
+                    item.args = args;
+                    item.opened(args);
+                }
             }
         }
     }

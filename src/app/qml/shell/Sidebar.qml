@@ -48,7 +48,7 @@ Rectangle {
             Layout.fillHeight: true
             clip: true
             boundsBehavior: Flickable.StopAtBounds
-            model: App.pages.filter((page) => page.inSidebar)
+            model: App.pages.filter((page) => page.inSidebar && !App.hiddenModules.includes(page.id))
             activeFocusOnTab: true
             keyNavigationEnabled: true
             Keys.onReturnPressed: if (currentItem) currentItem.open()
