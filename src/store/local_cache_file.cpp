@@ -108,6 +108,17 @@ void createLayout(SQLite::Database& database) {
   transaction.commit();
 }
 
+/// The system's last error on the write-ahead log or the file. sqlite3_system_errno is no help: by the time it looks,
+/// the rollback has overwritten it.
+int systemErrorOf(sqlite3* database) {
+  int result = 0;
+  sqlite3_file* log = nullptr;
+  sqlite3_file_control(database, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+  if (log && log->pMethods) log->pMethods->xFileControl(log, SQLITE_FCNTL_LAST_ERRNO, &result);
+  if (result == 0) sqlite3_file_control(database, "main", SQLITE_FCNTL_LAST_ERRNO, &result);
+  return result;
+}
+
 std::string newerVersionReason(const fs::path& file) { return cacheError(Kind::newerVersion, file).message; }
 
 std::expected<CacheFile, CacheError> openWritable(const fs::path& file) {
@@ -230,7 +241,7 @@ std::expected<CacheFile, CacheError> openCacheFile(const fs::path& file, bool cr
 }
 
 CacheError cacheError(const SQLite::Exception& error, const SQLite::Database* database, const fs::path& file) {
-  const int system = database ? sqlite3_system_errno(database->getHandle()) : 0;
+  const int system = database ? systemErrorOf(database->getHandle()) : 0;
   switch (error.getErrorCode() & 0xff) {
     case SQLITE_FULL:
       return cacheError(Kind::diskFull, file);
