@@ -13,6 +13,8 @@ constexpr std::string_view utf8Bom = "\xEF\xBB\xBF";
 char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 
 std::string_view trimmed(std::string_view text) {
+  const auto isInk = [](char c) { return static_cast<unsigned char>(c) > ' '; };
+  if (text.empty() || (isInk(text.front()) && isInk(text.back()))) return text;  // as almost every cell is
   constexpr std::string_view blanks = " \t\r\n";
   const auto first = text.find_first_not_of(blanks);
   if (first == std::string_view::npos) return {};

@@ -110,7 +110,7 @@ std::span<const std::string_view> notesOf(TaskCategory category) {
                                        "Checked and cleaned, readings noted in the engine room book.",
                                        "Done alongside. Nothing unusual found."};
   static constexpr Notes hullWork{"Inspected and photographed, no change since last time.",
-                                  "Done in the yard; small touch-ups only.", "Checked, in good order."};
+                                  "Done; small touch-ups only.", "Checked, in good order."};
   static constexpr Notes rigWork{"Checked aloft and on deck, nothing worn.",
                                  "Washed with fresh water, one shackle renewed.",
                                  "Chafe at the exit box: line turned end for end."};

@@ -20,7 +20,34 @@ struct SortKey {
   std::int64_t first = 0;
   std::int64_t second = 0;
   std::uint64_t titleBegin = 0;  ///< first eight letters of the folded title, the earlier the weightier
+  std::size_t foldedAt = 0;      ///< the folded title in `FoldedTitles`
+  std::size_t foldedLength = 0;
   TaskRow row;
+};
+
+/// The titles of the listed tasks without case and accents, one behind the other.
+class FoldedTitles {
+ public:
+  void take(std::string_view title, SortKey& key) {
+    key.foldedAt = text_.size();
+    appendFolded(text_, title);
+    key.foldedLength = text_.size() - key.foldedAt;
+    for (std::size_t i = 0; i < 8; ++i)
+      key.titleBegin = key.titleBegin << 8 | (i < key.foldedLength ? static_cast<unsigned char>(of(key)[i]) : 0U);
+  }
+
+  /// Negative, zero or positive as the first title stands before, with or behind the second.
+  int compare(const SortKey& a, const SortKey& b) const {
+    if (a.titleBegin != b.titleBegin) return a.titleBegin < b.titleBegin ? -1 : 1;
+    return of(a).compare(of(b));
+  }
+
+ private:
+  std::string_view of(const SortKey& key) const {
+    return std::string_view(text_).substr(key.foldedAt, key.foldedLength);
+  }
+
+  std::string text_;
 };
 
 /// The position of a category among the names in alphabetical order; unknown ones follow.
@@ -33,16 +60,6 @@ std::uint32_t alphabeticalRank(Choice<TaskCategory> category) {
     return rank;
   }();
   return category.isKnown() ? ranks[category.order()] : category.order();
-}
-
-std::uint64_t firstLetters(std::string_view title, std::string& scratch) {
-  scratch.clear();
-  // Eight folded letters come from at most thirty-two bytes, unless accents are written apart from their letters.
-  appendFolded(scratch, title.substr(0, 32));
-  std::uint64_t letters = 0;
-  for (std::size_t i = 0; i < 8; ++i)
-    letters = letters << 8 | (i < scratch.size() ? static_cast<unsigned char>(scratch[i]) : 0U);
-  return letters;
 }
 
 bool isShown(const MaintenanceTask& task, TaskStatus status, const TaskQuery& query) {
@@ -69,8 +86,8 @@ std::int64_t orderOf(const std::optional<Timestamp>& time, bool descending) {
 }
 
 SortKey sortKey(const MaintenanceTask& task, const TaskRow& row, const Fleet::Meters& meters, Timestamp now,
-                const TaskQuery& query, std::string& scratch) {
-  SortKey key{.titleBegin = firstLetters(task.title, scratch), .row = row};
+                const TaskQuery& query) {
+  SortKey key{.row = row};
   const std::uint32_t rank = alphabeticalRank(task.category);
   const bool reversedGroups = query.descending && query.sort == TaskSortField::category;
   if (query.groupByCategory) key.group = reversedGroups ? ~rank : rank;
@@ -93,30 +110,6 @@ SortKey sortKey(const MaintenanceTask& task, const TaskRow& row, const Fleet::Me
   return key;
 }
 
-/// Negative, zero or positive as the first title stands before, with or behind the second.
-class TitleOrder {
- public:
-  explicit TitleOrder(std::span<const MaintenanceTask> tasks) : tasks_(tasks) {}
-
-  int operator()(const SortKey& a, const SortKey& b) {
-    if (a.titleBegin != b.titleBegin) return a.titleBegin < b.titleBegin ? -1 : 1;
-    const std::string& left = tasks_[a.row.index].title;
-    const std::string& right = tasks_[b.row.index].title;
-    if (left == right) return 0;
-    left_.clear();
-    right_.clear();
-    appendFolded(left_, left);
-    appendFolded(right_, right);
-    const int order = left_.compare(right_);
-    return order != 0 ? order : left.compare(right);
-  }
-
- private:
-  std::span<const MaintenanceTask> tasks_;
-  std::string left_;
-  std::string right_;
-};
-
 }  // namespace
 
 std::optional<Timestamp> dueMoment(const MaintenanceTask& task, const Fleet::Meters& meters, Timestamp now) {
@@ -132,7 +125,7 @@ std::optional<Timestamp> dueMoment(const MaintenanceTask& task, const Fleet::Met
 std::vector<TaskRow> listTasks(std::span<const MaintenanceTask> tasks, const Fleet& fleet, const StatusHorizon& horizon,
                                const TaskQuery& query) {
   SearchWords words(query.search);
-  std::string scratch;
+  FoldedTitles titles;
   std::vector<SortKey> keys;
   for (std::uint32_t index = 0; index < tasks.size(); ++index) {
     const MaintenanceTask& task = tasks[index];
@@ -144,16 +137,16 @@ std::vector<TaskRow> listTasks(std::span<const MaintenanceTask> tasks, const Fle
                       isSnoozed(task, horizon.now())};
     if (!isShown(task, row.status, query) || (row.snoozed && !query.withSnoozed)) continue;
     if (!words.matches({task.title, task.notes, task.category.display()})) continue;
-    keys.push_back(sortKey(task, row, meters, horizon.now(), query, scratch));
+    keys.push_back(sortKey(task, row, meters, horizon.now(), query));
+    titles.take(task.title, keys.back());
   }
 
   const bool titlesReversed = query.descending && query.sort == TaskSortField::name;
-  TitleOrder titles(tasks);
   std::ranges::sort(keys, [&](const SortKey& a, const SortKey& b) {
     const auto left = std::tie(a.group, a.first, a.second);
     const auto right = std::tie(b.group, b.first, b.second);
     if (left != right) return left < right;
-    const int order = titles(a, b);
+    const int order = titles.compare(a, b);
     if (order != 0) return titlesReversed ? order > 0 : order < 0;
     return a.row.index < b.row.index;
   });

@@ -44,6 +44,7 @@ constexpr std::array<KnownColumn, 11> kColumns{{{"title", &Columns::title},
 /// The case whose stored or shown text the cell is, without regard to case.
 template <class E>
 std::optional<E> caseNamed(std::string_view cell) {
+  if (const auto exact = caseFromRaw<E>(cell)) return exact;
   for (const E each : allCases<E>())
     if (equalIgnoringCase(cell, rawText(each)) || equalIgnoringCase(cell, displayText(each))) return each;
   return std::nullopt;
@@ -55,6 +56,8 @@ std::optional<TriggerType> triggerNamed(std::string_view cell) {
 }
 
 std::optional<HourSource> meterNamed(std::string_view cell) {
+  for (const HourSource source : allCases<HourSource>())
+    if (cell == displayText(source)) return source;
   if (const auto source = caseNamed<HourSource>(cell)) return source;
   for (const HourSource source : allCases<HourSource>())
     if (equalIgnoringCase(cell, meterLabel(source))) return source;

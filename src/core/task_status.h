@@ -51,8 +51,9 @@ class StatusHorizon {
 
   /// The status that the due date gives alone. A moment to which the calendar counts no days is due soon.
   TaskStatus statusOfDate(Timestamp due) const {
-    if (due < calendarBegin_ || due >= calendarEnd_) return TaskStatus::dueSoon;
-    return static_cast<TaskStatus>((due > overdueUntil_) + (due >= onTrackFrom_) + (due >= beyondFrom_));
+    const int passed = (due > overdueUntil_) + (due >= onTrackFrom_) + (due >= beyondFrom_);
+    const bool counted = due >= calendarBegin_ && due < calendarEnd_;
+    return counted ? static_cast<TaskStatus>(passed) : TaskStatus::dueSoon;
   }
 
  private:
