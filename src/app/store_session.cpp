@@ -1,6 +1,7 @@
 #include "app/store_session.h"
 
 #include <QCoroFuture>
+#include <algorithm>
 
 #include "store/legacy_migration.h"
 #include "store/preferences.h"
@@ -41,13 +42,23 @@ void StoreSession::forgetChoice() { Preferences(*cache_).remove(kLastFleet); }
 
 void StoreSession::openFleet(const std::string& prefix) { read(prefix); }
 
+bool StoreSession::lacksDemoFleet(const std::string& prefix) const {
+  return prefix == AppViewModel::demoPrefix && !cache_->isReadOnly() &&
+         std::ranges::count(cache_->prefixes(), prefix) == 0;
+}
+
 QCoro::Task<void> StoreSession::read(std::string prefix) {
   noteOpened(prefix);
+  if (lacksDemoFleet(prefix)) {
+    const SaveResult filled = co_await model_->fillDemoFleet();
+    if (!filled) qWarning("%s", filled.error().message.c_str());
+  }
   co_await model_->reloadForUser(prefix);
 }
 
 void StoreSession::openFleetNow(const std::string& prefix) {
   noteOpened(prefix);
+  if (lacksDemoFleet(prefix)) model_->fillDemoFleet().waitForFinished();
   model_->reloadNow(prefix);
 }
 

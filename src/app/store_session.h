@@ -43,6 +43,8 @@ class StoreSession : public QObject {
   StoreSession(std::unique_ptr<LocalCache> cache, const Clock& clock);
 
   void noteOpened(const std::string& prefix);
+  /// The demo fleet is made when it is first opened.
+  bool lacksDemoFleet(const std::string& prefix) const;
   QCoro::Task<void> read(std::string prefix);
 
   std::unique_ptr<LocalCache> cache_;
