@@ -3,6 +3,7 @@
 #include <QCoroFuture>
 #include <algorithm>
 
+#include "base/date_format.h"
 #include "store/legacy_migration.h"
 #include "store/preferences.h"
 
@@ -11,6 +12,7 @@ namespace thalvorn::app {
 namespace {
 
 constexpr std::string_view kLastFleet = "thalvorn.lastFleet";
+constexpr std::string_view kDemoDay = "thalvorn.demoDay";
 
 }  // namespace
 
@@ -32,15 +34,26 @@ std::string StoreSession::startingPrefix() const {
   return preferences.text(kLastFleet);
 }
 
+std::string StoreSession::today() const { return spreadsheetDate(model_->calendar().date(model_->now())); }
+
+bool StoreSession::needsFilling(const std::string& prefix) const {
+  if (prefix != AppViewModel::demoPrefix || cache_->isReadOnly()) return false;
+  const std::vector<std::string> prefixes = cache_->prefixes();
+  return Preferences(*cache_).text(kDemoDay) != today() || std::ranges::find(prefixes, prefix) == prefixes.end();
+}
+
 void StoreSession::noteOpened(const std::string& prefix) {
   if (cache_->isReadOnly()) return;
   Preferences preferences(*cache_);
   preferences.setText(kLastFleet, prefix);
+  if (prefix == AppViewModel::demoPrefix) preferences.setText(kDemoDay, today());
 }
 
 void StoreSession::forgetChoice() { Preferences(*cache_).remove(kLastFleet); }
 
-void StoreSession::openFleet(const std::string& prefix) { read(prefix); }
+void StoreSession::openFleet(const std::string& prefix) {
+  QCoro::connect(read(prefix), this, [] {});
+}
 
 bool StoreSession::lacksDemoFleet(const std::string& prefix) const {
   return prefix == AppViewModel::demoPrefix && !cache_->isReadOnly() &&
@@ -48,6 +61,7 @@ bool StoreSession::lacksDemoFleet(const std::string& prefix) const {
 }
 
 QCoro::Task<void> StoreSession::read(std::string prefix) {
+  if (needsFilling(prefix)) co_await model_->fillDemoFleet();
   noteOpened(prefix);
   if (lacksDemoFleet(prefix)) {
     const SaveResult filled = co_await model_->fillDemoFleet();
@@ -57,6 +71,7 @@ QCoro::Task<void> StoreSession::read(std::string prefix) {
 }
 
 void StoreSession::openFleetNow(const std::string& prefix) {
+  if (needsFilling(prefix)) model_->fillDemoFleet().waitForFinished();
   noteOpened(prefix);
   if (lacksDemoFleet(prefix)) model_->fillDemoFleet().waitForFinished();
   model_->reloadNow(prefix);

@@ -34,7 +34,7 @@ class StoreSession : public QObject {
   /// Nobody's fleet is open at the next start.
   void forgetChoice();
 
-  /// Reads a fleet's records off this thread.
+  /// Reads a fleet's records off this thread. The demo fleet is dated from today: one of another day is made anew.
   void openFleet(const std::string& prefix);
   /// The same, finished before it returns.
   void openFleetNow(const std::string& prefix);
@@ -42,6 +42,8 @@ class StoreSession : public QObject {
  private:
   StoreSession(std::unique_ptr<LocalCache> cache, const Clock& clock);
 
+  std::string today() const;
+  bool needsFilling(const std::string& prefix) const;
   void noteOpened(const std::string& prefix);
   /// The demo fleet is made when it is first opened.
   bool lacksDemoFleet(const std::string& prefix) const;
