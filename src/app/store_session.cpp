@@ -12,7 +12,6 @@ namespace thalvorn::app {
 namespace {
 
 constexpr std::string_view kLastFleet = "thalvorn.lastFleet";
-constexpr std::string_view kDemoDay = "thalvorn.demoDay";
 
 }  // namespace
 
@@ -34,19 +33,10 @@ std::string StoreSession::startingPrefix() const {
   return preferences.text(kLastFleet);
 }
 
-std::string StoreSession::today() const { return spreadsheetDate(model_->calendar().date(model_->now())); }
-
-bool StoreSession::needsFilling(const std::string& prefix) const {
-  if (prefix != AppViewModel::demoPrefix || cache_->isReadOnly()) return false;
-  const std::vector<std::string> prefixes = cache_->prefixes();
-  return Preferences(*cache_).text(kDemoDay) != today() || std::ranges::find(prefixes, prefix) == prefixes.end();
-}
-
 void StoreSession::noteOpened(const std::string& prefix) {
   if (cache_->isReadOnly()) return;
   Preferences preferences(*cache_);
   preferences.setText(kLastFleet, prefix);
-  if (prefix == AppViewModel::demoPrefix) preferences.setText(kDemoDay, today());
 }
 
 void StoreSession::forgetChoice() { Preferences(*cache_).remove(kLastFleet); }
@@ -55,15 +45,9 @@ void StoreSession::openFleet(const std::string& prefix) {
   QCoro::connect(read(prefix), this, [] {});
 }
 
-bool StoreSession::lacksDemoFleet(const std::string& prefix) const {
-  return prefix == AppViewModel::demoPrefix && !cache_->isReadOnly() &&
-         std::ranges::count(cache_->prefixes(), prefix) == 0;
-}
-
 QCoro::Task<void> StoreSession::read(std::string prefix) {
-  if (needsFilling(prefix)) co_await model_->fillDemoFleet();
   noteOpened(prefix);
-  if (lacksDemoFleet(prefix)) {
+  if (prefix == AppViewModel::demoPrefix && model_->demoFleetIsStale()) {
     const SaveResult filled = co_await model_->fillDemoFleet();
     if (!filled) qWarning("%s", filled.error().message.c_str());
   }
@@ -71,9 +55,8 @@ QCoro::Task<void> StoreSession::read(std::string prefix) {
 }
 
 void StoreSession::openFleetNow(const std::string& prefix) {
-  if (needsFilling(prefix)) model_->fillDemoFleet().waitForFinished();
   noteOpened(prefix);
-  if (lacksDemoFleet(prefix)) model_->fillDemoFleet().waitForFinished();
+  if (prefix == AppViewModel::demoPrefix && model_->demoFleetIsStale()) model_->fillDemoFleet().waitForFinished();
   model_->reloadNow(prefix);
 }
 

@@ -42,11 +42,7 @@ class StoreSession : public QObject {
  private:
   StoreSession(std::unique_ptr<LocalCache> cache, const Clock& clock);
 
-  std::string today() const;
-  bool needsFilling(const std::string& prefix) const;
   void noteOpened(const std::string& prefix);
-  /// The demo fleet is made when it is first opened.
-  bool lacksDemoFleet(const std::string& prefix) const;
   QCoro::Task<void> read(std::string prefix);
 
   std::unique_ptr<LocalCache> cache_;

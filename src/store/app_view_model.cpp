@@ -296,6 +296,7 @@ Saving AppViewModel::apply(Edit edit) {
   if (edit.empty()) return finishedSaving(Revision{0});
 
   JournalEntry entry{.revision = 0, .prefix = prefix_, .at = now(), .label = edit.label, .changes = entryChanges(edit)};
+  noteDemoEdit();
   applyInMemory(edit);
   undoable_.push_back(edit);
   if (undoable_.size() > kUndoDepth) undoable_.pop_front();

@@ -158,6 +158,9 @@ class AppViewModel : public QObject {
 
   /// Fills the demo fleet's entries, replacing what was there. Finishes when they are on disk; reload afterwards.
   Saving fillDemoFleet();
+  /// Whether the demo fleet should be made (again): it is not there, or it is dated from another day and nobody has
+  /// changed anything in it.
+  bool demoFleetIsStale() const;
 
   // ---- saving
   // --------------------------------------------------------------------------------------------------------
@@ -205,6 +208,7 @@ class AppViewModel : public QObject {
                             Timestamp now);
   void take(Loaded loaded, const std::string& prefix);
   void saveMovedContent(const Loaded& loaded);
+  void noteDemoEdit();
   void applyInMemory(const Edit& edit);
   std::optional<AnyRecord> currentOf(const AnyRecord& like) const;
   Saving save(JournalEntry entry);

@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <map>
 #include <memory>
 
+#include "base/date_format.h"
 #include "core/demo_fleet.h"
 #include "store/app_view_model.h"
 
@@ -21,11 +23,26 @@ void addEntries(EntryLists& lists, const std::vector<T>& records) {
   }
 }
 
+constexpr std::string_view kDemoDay = "thalvorn.demoDay";        // on which it was made
+constexpr std::string_view kDemoEdited = "thalvorn.demoEdited";  // by whoever explores it
+
 }  // namespace
+
+bool AppViewModel::demoFleetIsStale() const {
+  if (cache_.isReadOnly()) return false;
+  if (std::ranges::count(cache_.prefixes(), demoPrefix) == 0) return true;
+  return !cache_.preference(kDemoEdited) && cache_.preference(kDemoDay) != spreadsheetDate(calendar().date(now()));
+}
+
+void AppViewModel::noteDemoEdit() {
+  if (isDemo() && !cache_.preference(kDemoEdited)) cache_.setPreference(std::string(kDemoEdited), "yes");
+}
 
 Saving AppViewModel::fillDemoFleet() {
   if (cache_.isReadOnly()) return refused(cache_.readOnlyReason());
   const DemoFleet fleet = demoFleet(now(), calendar());
+  cache_.setPreference(std::string(kDemoDay), spreadsheetDate(calendar().date(now())));
+  cache_.setPreference(std::string(kDemoEdited), std::nullopt);
   EntryLists lists;
   addEntries(lists, fleet.vessels);
   addEntries(lists, fleet.profiles);
