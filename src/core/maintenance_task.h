@@ -13,25 +13,26 @@
 
 namespace thalvorn {
 
-/// One maintenance item of one vessel.
+/// One maintenance item of one vessel. The described order below is that of its stored form.
 struct MaintenanceTask {
   Uuid id;
+  // What decides the status stands together, so that a pass over a million tasks reads half as much memory.
   Uuid vesselID;
+  Choice<HourSource> hourSource;
+  bool isCompleted = false;  ///< set when a one-off task has been done
+  std::optional<Timestamp> dueDate;
+  std::optional<double> dueAtEngineHours;  ///< meter reading at which the task falls due, hours
+  std::optional<Timestamp> snoozedUntil;   ///< not flagged before this point in time
   std::string title;
   std::string notes;
   Choice<TaskCategory> category;
   Choice<TriggerType> triggerType;
-  Choice<HourSource> hourSource;
-  std::optional<Timestamp> dueDate;
   std::optional<std::int64_t> recurringDays;   ///< repeat interval, days; absent or 0 for a one-off
-  std::optional<double> dueAtEngineHours;      ///< meter reading at which the task falls due, hours
   std::optional<double> recurringEngineHours;  ///< repeat interval, hours; absent or 0 for a one-off
   Choice<TaskPriority> priority = TaskPriority::medium;
   Choice<TaskKind> kind = TaskKind::plannedMaintenance;
-  std::optional<Timestamp> snoozedUntil;  ///< not flagged before this point in time
-  bool isCompleted = false;               ///< set when a one-off task has been done
-  std::vector<Bytes> photoData;           ///< photos held inline (legacy form)
-  std::vector<std::string> photoPaths;    ///< photos held as files
+  std::vector<Bytes> photoData;         ///< photos held inline (legacy form)
+  std::vector<std::string> photoPaths;  ///< photos held as files
 
   friend bool operator==(const MaintenanceTask&, const MaintenanceTask&) = default;
 };

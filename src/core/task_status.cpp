@@ -1,10 +1,20 @@
 #include "core/task_status.h"
 
+#include <algorithm>
+
 namespace thalvorn {
 namespace {
 
 using std::chrono::sys_days;
 using std::chrono::year;
+
+/// Asks the processor for the task some way ahead: a pass over many is otherwise mostly waiting for memory.
+void fetchAhead(std::span<const MaintenanceTask> tasks, std::size_t index) {
+  constexpr std::size_t distance = 24;
+  const MaintenanceTask& ahead = tasks[std::min(index + distance, tasks.size() - 1)];
+  __builtin_prefetch(&ahead.vesselID);
+  __builtin_prefetch(&ahead.snoozedUntil);
+}
 
 }  // namespace
 
@@ -21,7 +31,9 @@ StatusCounts countTasks(std::span<const MaintenanceTask> tasks, const Fleet& fle
                         const std::optional<Uuid>& vesselID) {
   constexpr std::size_t snoozed = caseCount<TaskStatus>;
   std::array<std::size_t, caseCount<TaskStatus> + 1> counted{};
-  for (const MaintenanceTask& task : tasks) {
+  for (std::size_t i = 0; i < tasks.size(); ++i) {
+    fetchAhead(tasks, i);
+    const MaintenanceTask& task = tasks[i];
     if (vesselID && task.vesselID != *vesselID) continue;
     const TaskStatus status = taskStatus(task, fleet.meters(task.vesselID).reading(task.hourSource), horizon);
     ++counted[isSnoozed(task, horizon.now()) ? snoozed : static_cast<std::size_t>(status)];
