@@ -11,6 +11,7 @@
 #include "app/module_table.h"
 #include "app/record_form.h"
 #include "app/record_search.h"
+#include "app/restart.h"
 #include "platform/deep_link.h"
 #include "platform/desktop_identity.h"
 #include "platform/store_access.h"
@@ -140,8 +141,15 @@ void Composition::makeControllers() {
   if (session_) {
     fleet_ = std::make_unique<FleetController>(session_->model(), *notices_);
     search_->addSource(recordSearch(session_->model()));
-    recordPages_ = std::make_unique<RecordPages>(*session_, *app_, *format_);
-    connect(&session_->model(), &AppViewModel::reloaded, this, [this] { app_->setPhase(QStringLiteral("ready")); });
+    recordPages_ = std::make_unique<RecordPages>(*session_, *preferences_, *app_, *format_);
+    connect(&recordPages_->settings(), &Settings::restoreRequested, this, [this](const QString& backup) {
+      restoreFrom_ = backup;
+      QCoreApplication::exit();
+    });
+    connect(&session_->model(), &AppViewModel::reloaded, this, [this] {
+      app_->setPhase(QStringLiteral("ready"));
+      if (const QString message = messageOfRestart(); !message.isEmpty()) app_->toast(message);
+    });
   }
   connect(app_.get(), &AppController::notification, this, &Composition::onNotification);
   if (!options_.scheme.isEmpty()) app_->showIn(options_.scheme);
@@ -181,6 +189,7 @@ bool Composition::show() {
   if (session_ && options_.pictured()) startReading();
   engine_ = std::make_unique<QQmlApplicationEngine>();
   engine_->addImportPath(QStringLiteral("qrc:/qml"));
+  if (recordPages_) recordPages_->addImages(*engine_);
   engine_->load(QUrl(qmlAddress(session_ ? QStringLiteral("Main.qml") : QStringLiteral("shell/ProblemWindow.qml"))));
   if (engine_->rootObjects().isEmpty()) return false;
   window_ = qobject_cast<QQuickWindow*>(engine_->rootObjects().constFirst());

@@ -40,6 +40,9 @@ class Composition : public QObject {
 
   QQuickWindow* window() const { return window_; }
   AppController& app() { return *app_; }
+  /// The backup that shall take the store's place once this is gone; empty for none.
+  const QString& restoreFrom() const { return restoreFrom_; }
+  const QString& storeFile() const { return storeFile_; }
   bool hasStore() const { return session_ != nullptr; }
 
  private:
@@ -60,6 +63,7 @@ class Composition : public QObject {
   SystemClock clock_;
   std::unique_ptr<QTemporaryDir> scratch_;  ///< the store of pictures and self-tests
   QString storeFile_;
+  QString restoreFrom_;
   QString problem_;  ///< why there is no store, for the user
   std::unique_ptr<SingleInstance> instance_;
   std::unique_ptr<StoreSession> session_;

@@ -1,9 +1,11 @@
 #include <QGuiApplication>
 #include <cstdio>
+#include <memory>
 
 #include "app/composition.h"
 #include "app/options.h"
 #include "app/picture.h"
+#include "app/restart.h"
 
 namespace {
 
@@ -25,7 +27,8 @@ int main(int argc, char* argv[]) {
   }
   prepareApplication();
   if (options->selfTest) collectWarnings();
-  Composition composition(*options);
+  auto program = std::make_unique<Composition>(*options);
+  Composition& composition = *program;
   if (!composition.claimStore()) return 0;
   if (!composition.show()) return finish(QStringLiteral("The window could not be loaded."));
   if (options->selfTest) {
@@ -35,5 +38,10 @@ int main(int argc, char* argv[]) {
   if (!options->post.isEmpty()) composition.app().post(options->post);
   if (!options->screenshots.isEmpty()) return finish(savePictures(composition, options->screenshots));
   if (!options->screenshot.isEmpty()) return finish(savePicture(composition, options->screenshot));
-  return QGuiApplication::exec();
+  const int status = QGuiApplication::exec();
+  const QString backup = composition.restoreFrom();
+  const QString storeFile = composition.storeFile();
+  program.reset();
+  if (!backup.isEmpty()) restoreAndRestart(backup, storeFile);
+  return status;
 }

@@ -1,6 +1,6 @@
 #include "app/record_pages.h"
 
-#include <QQmlEngine>
+#include "app/preview/report_images.h"
 
 namespace thalvorn::app {
 
@@ -14,11 +14,28 @@ void registerAs(const char* name, const std::unique_ptr<T>& controller) {
 
 }  // namespace
 
-RecordPages::RecordPages(StoreSession& session, AppController& app, const Format& format)
-    : reports_(std::make_unique<ReportDesk>(session.model(), app, format)) {}
+RecordPages::RecordPages(StoreSession& session, PreferenceStore& preferences, AppController& app, const Format& format)
+    : history_(std::make_unique<ServiceHistory>(session.model(), session.attachments(), preferences, app, format)),
+      templates_(std::make_unique<TemplateLibrary>(session.model(), app, format)),
+      import_(std::make_unique<TaskImport>(session.model(), app, format)),
+      vessels_(std::make_unique<VesselList>(session.model(), session.attachments(), app, format)),
+      settings_(std::make_unique<Settings>(session, preferences, app, format)),
+      reports_(std::make_unique<ReportDesk>(session.model(), session.attachments(), *history_->model(), preferences,
+                                            app, format)) {}
 
 RecordPages::~RecordPages() = default;
 
-void RecordPages::registerForQml() { registerAs("Reports", reports_); }
+void RecordPages::registerForQml() {
+  registerAs("ServiceHistory", history_);
+  registerAs("TemplateLibrary", templates_);
+  registerAs("TaskImport", import_);
+  registerAs("VesselList", vessels_);
+  registerAs("Settings", settings_);
+  registerAs("Reports", reports_);
+}
+
+void RecordPages::addImages(QQmlEngine& engine) {
+  engine.addImageProvider(QStringLiteral("report"), new ReportImages(reports_->renderer()));
+}
 
 }  // namespace thalvorn::app

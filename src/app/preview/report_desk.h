@@ -2,27 +2,120 @@
 
 #include <QObject>
 #include <QString>
+#include <QTemporaryDir>
+#include <QUrl>
+#include <QVariant>
 
 #include "app/app_controller.h"
 #include "app/format.h"
+#include "app/history/service_history_model.h"
+#include "app/preview/report_renderer.h"
+#include "core/report_basics.h"
 #include "store/app_view_model.h"
+#include "store/attachments.h"
 
 namespace thalvorn::app {
 
 /// Opens reports to look at, print and save. QML sees it as `Reports`.
 class ReportDesk : public QObject {
   Q_OBJECT
+  Q_PROPERTY(QString report READ report NOTIFY reportChanged)
+  Q_PROPERTY(QString title READ title NOTIFY reportChanged)
+  Q_PROPERTY(QString vesselName READ vesselName NOTIFY reportChanged)
+  Q_PROPERTY(int number READ number NOTIFY pagesChanged)
+  Q_PROPERTY(int pageCount READ pageCount NOTIFY pagesChanged)
+  Q_PROPERTY(qreal pageWidth READ pageWidth NOTIFY pagesChanged)
+  Q_PROPERTY(qreal pageHeight READ pageHeight NOTIFY pagesChanged)
+  Q_PROPERTY(QString remark READ remark NOTIFY pagesChanged)
+  Q_PROPERTY(bool busy READ busy NOTIFY workChanged)
+  Q_PROPERTY(QString work READ work NOTIFY workChanged)
+  Q_PROPERTY(double progress READ progress NOTIFY workChanged)
+  Q_PROPERTY(QString error READ error NOTIFY workChanged)
+  Q_PROPERTY(QString savedFile READ savedFile NOTIFY workChanged)
+  Q_PROPERTY(QString paper READ paper WRITE setPaper NOTIFY reportChanged)
+  Q_PROPERTY(bool hasPrinterCommand READ hasPrinterCommand CONSTANT)
 
  public:
-  ReportDesk(AppViewModel& store, AppController& app, const Format& format, QObject* parent = nullptr);
+  ReportDesk(AppViewModel& store, const AttachmentStore& attachments, const ServiceHistoryModel& history,
+             PreferenceStore& preferences, AppController& app, const Format& format, QObject* parent = nullptr);
+
+  ReportRenderer& renderer() { return renderer_; }
 
   /// The open tasks of a vessel as a list to work from; of the vessel in view when `vesselId` is empty.
   Q_INVOKABLE void openWorkList(const QString& vesselId = {});
+  /// The service history of the vessel in view, as its page shows it; `detailed` with notes, parts and photos.
+  Q_INVOKABLE void openServiceHistory(bool detailed);
+
+  /// Makes the report that the page's arguments name: {report, vesselId}.
+  Q_INVOKABLE void show(const QVariantMap& arguments);
+  Q_INVOKABLE void cancel();
+
+  /// "workList", "serviceHistory" or "serviceHistoryDetailed"; empty before the first.
+  QString report() const { return report_; }
+  QString title() const;
+  QString vesselName() const;
+  int number() const { return number_; }
+  int pageCount() const { return pages_.count; }
+  qreal pageWidth() const { return pages_.size.width(); }
+  qreal pageHeight() const { return pages_.size.height(); }
+  /// Characters that would be blank on paper; empty when there are none.
+  QString remark() const;
+  bool busy() const { return !work_.isEmpty(); }
+  /// What is being done: "Laying out the pages…".
+  QString work() const { return work_; }
+  double progress() const { return progress_; }
+  QString error() const { return error_; }
+  /// Where the report was saved last.
+  QString savedFile() const { return savedFile_; }
+  /// "a4" or "letter".
+  QString paper() const;
+  void setPaper(const QString& paper);
+  /// Whether this computer can print without a viewer (the `lp` command).
+  bool hasPrinterCommand() const;
+
+  /// The name offered for a file with this ending.
+  Q_INVOKABLE QString fileName(const QString& ending) const;
+  Q_INVOKABLE void savePdf(const QUrl& file);
+  /// The same entries as a spreadsheet.
+  Q_INVOKABLE void saveCsv(const QUrl& file);
+  /// Opens the PDF in the desktop's viewer, which prints.
+  Q_INVOKABLE void printInViewer();
+  /// Hands the PDF to the default printer.
+  Q_INVOKABLE void printDirectly();
+  Q_INVOKABLE void openSaved();
+
+ Q_SIGNALS:
+  void reportChanged();
+  void pagesChanged();
+  void workChanged();
 
  private:
+  void make();
+  DocumentMaker documentMaker() const;
+  ReportSetting setting(const VesselProfile& profile) const;
+  const Vessel* vessel() const;
+  void withPdf(const QString& work, std::function<void(const QByteArray&)> use);
+  /// Writes the PDF where a viewer or the printer can take it; empty when it could not be written.
+  QString temporaryPdf(const QByteArray& pdf);
+  void setWork(const QString& work);
+  void fail(const QString& error);
+
   AppViewModel& store_;
+  const AttachmentStore& attachments_;
+  const ServiceHistoryModel& history_;
+  PreferenceStore& preferences_;
   AppController& app_;
   const Format& format_;
+  ReportRenderer renderer_;
+  std::unique_ptr<QTemporaryDir> printed_;
+  QString report_;
+  std::optional<Uuid> vessel_;
+  int number_ = 0;
+  ReportPages pages_;
+  QString work_;
+  double progress_ = 0;
+  QString error_;
+  QString savedFile_;
 };
 
 }  // namespace thalvorn::app

@@ -22,6 +22,8 @@ QtObject {
     readonly property color scrim: dark ? "#A6040A10" : "#66142231"
     readonly property color shadow: dark ? "#80000000" : "#33142231"
 
+    // Printed pages look the same in both schemes.
+    readonly property color paper: "#FFFFFF"
     readonly property color tipBg: dark ? "#2B4058" : "#142231"
     readonly property color tipInk: "#FFFFFF"
     readonly property color tipHover: dark ? "#3A526D" : "#2A3B4C"
@@ -81,6 +83,7 @@ QtObject {
         "medium": Qt.font({ family: family, pixelSize: 14, weight: Font.Medium }),
         "strong": Qt.font({ family: family, pixelSize: 14, weight: Font.DemiBold }),
         "small": Qt.font({ family: family, pointSize: 9.375, weight: Font.Normal }),
+        "struck": Qt.font({ family: family, pointSize: 9.375, weight: Font.Normal, strikeout: true }),
         "smallMedium": Qt.font({ family: family, pointSize: 9.375, weight: Font.Medium }),
         "smallStrong": Qt.font({ family: family, pointSize: 9.375, weight: Font.DemiBold }),
         "badge": Qt.font({ family: family, pixelSize: 12, weight: Font.DemiBold }),
@@ -92,7 +95,7 @@ QtObject {
         "mono": Qt.font({ family: "monospace", pixelSize: 13 })
     })
     readonly property var lineHeights: ({
-        "body": 20, "medium": 20, "strong": 20, "small": 17, "smallMedium": 17, "smallStrong": 17, "badge": 16,
+        "body": 20, "medium": 20, "strong": 20, "small": 17, "struck": 17, "smallMedium": 17, "smallStrong": 17, "badge": 16,
         "tiny": 15, "caps": 15, "subtitle": 22, "title": 24, "headline": 40, "mono": 19
     })
 

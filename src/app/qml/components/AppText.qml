@@ -9,7 +9,7 @@ Text {
     property bool tip: true
 
     font: Theme.fonts[variant]
-    color: variant === "small" || variant === "tiny" || variant === "caps" ? Theme.mute : Theme.ink
+    color: variant === "small" || variant === "struck" || variant === "tiny" || variant === "caps" ? Theme.mute : Theme.ink
     elide: Text.ElideRight
     textFormat: Text.PlainText
     lineHeightMode: wrapMode === Text.NoWrap ? Text.ProportionalHeight : Text.FixedHeight

@@ -11,6 +11,7 @@ ModalBase {
     property string confirmText: "Delete"
     property string cancelText: "Cancel"
     property bool danger: true
+    property bool canConfirm: true
     default property alias extra: more.data
     signal confirmed()
     signal cancelled()
@@ -62,8 +63,8 @@ ModalBase {
             Layout.topMargin: Theme.space2
             Item { Layout.fillWidth: true }
             SecondaryButton { id: cancelButton; text: root.cancelText; onClicked: { root.close(); root.cancelled(); } }
-            DangerButton { visible: root.danger; text: root.confirmText; onClicked: { root.close(); root.confirmed(); } }
-            PrimaryButton { visible: !root.danger; text: root.confirmText; onClicked: { root.close(); root.confirmed(); } }
+            DangerButton { visible: root.danger; enabled: root.canConfirm; text: root.confirmText; onClicked: { root.close(); root.confirmed(); } }
+            PrimaryButton { visible: !root.danger; enabled: root.canConfirm; text: root.confirmText; onClicked: { root.close(); root.confirmed(); } }
         }
     }
 }

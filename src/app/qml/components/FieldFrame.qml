@@ -11,6 +11,7 @@ ColumnLayout {
     property string hint
     property string message
     property string tone: "overdue"
+    property bool stretch: false   // the control takes the height that is left
     default property alias control: slot.data
 
     readonly property bool wrong: message.length > 0 && tone === "overdue"
@@ -42,6 +43,7 @@ ColumnLayout {
     Item {
         id: slot
         Layout.fillWidth: true
+        Layout.fillHeight: root.stretch
         implicitHeight: children.length > 0 ? children[0].implicitHeight : 0
         implicitWidth: children.length > 0 ? children[0].implicitWidth : 0
     }

@@ -16,6 +16,8 @@ FieldFrame {
     property bool fillHeight: false
     signal edited(string text)
 
+    stretch: fillHeight
+
     function forceFocus() {
         area.forceActiveFocus(Qt.TabFocusReason);
     }
