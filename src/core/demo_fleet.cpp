@@ -162,12 +162,7 @@ class Builder {
     }
     for (const demo::OwnJob& job : demo::ownJobs()) {
       if (job.vessel != yacht.vessel.name) continue;
-      MaintenanceTask task;
-      task.id = idOf("task", yacht, job.title);
-      task.vesselID = vessel().id;
-      task.title = job.title;
-      task.notes = job.notes;
-      task.category = job.category;
+      MaintenanceTask task = taskOf(yacht, job);
       task.hourSource = job.meter;
       task.triggerType = job.hours > 0 ? TriggerType::both : TriggerType::date;
       task.recurringDays = job.days;
@@ -175,6 +170,18 @@ class Builder {
       Dice dice(task.id);
       addPlanned(yacht, std::move(task), job.doneDaysAgo, 0, dice);
     }
+  }
+
+  /// A task with the title, notes and category of a table row.
+  template <class Row>
+  MaintenanceTask taskOf(const Yacht& yacht, const Row& row) const {
+    MaintenanceTask task;
+    task.id = idOf("task", yacht, row.title);
+    task.vesselID = vessel().id;
+    task.title = row.title;
+    task.notes = row.notes;
+    task.category = row.category;
+    return task;
   }
 
   static double paceOf(const Yacht& yacht, const MaintenanceTask& task) {
@@ -244,12 +251,7 @@ class Builder {
   void addDefects(const Yacht& yacht) {
     for (const demo::Defect& defect : demo::defects()) {
       if (defect.vessel != yacht.vessel.name) continue;
-      MaintenanceTask task;
-      task.id = idOf("task", yacht, defect.title);
-      task.vesselID = vessel().id;
-      task.title = defect.title;
-      task.notes = defect.notes;
-      task.category = defect.category;
+      MaintenanceTask task = taskOf(yacht, defect);
       task.hourSource = meterOfCategory(defect.category);
       task.kind = defect.kind;
       task.priority = defect.priority;
