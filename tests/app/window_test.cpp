@@ -115,6 +115,16 @@ TEST_F(Window, AMenuCommandReachesThePageInView) {
   EXPECT_EQ(posted.first().first().toString(), QStringLiteral("newRecord"));
 }
 
+TEST_F(Window, TheMenuBarIsWorkedByKeys) {
+  QSignalSpy posted(&app(), &AppController::notification);
+  press(Qt::Key_L, Qt::AltModifier);
+  press(Qt::Key_Down);
+  press(Qt::Key_Return);
+  ASSERT_EQ(posted.count(), 1) << "Alt+L opens the fleet's menu, whose first line is chosen";
+  EXPECT_EQ(posted.first().first().toString(), QStringLiteral("openManageVessels"));
+  EXPECT_EQ(app().page(), QStringLiteral("vessels"));
+}
+
 TEST_F(Window, TheTableIsWorkedByKeysAndFolds) {
   const auto records = manyRecords(40);
   QQuickItem* table = make(R"(DataTable {

@@ -16,6 +16,7 @@ T.MenuBar {
         id: entry
         implicitWidth: label.implicitWidth + 20
         implicitHeight: Theme.menuBarHeight
+        readonly property bool lit: hovered || down || (menu !== null && menu.opened)
         hoverEnabled: true
         focusPolicy: Qt.NoFocus
         Accessible.role: Accessible.MenuItem
@@ -25,7 +26,7 @@ T.MenuBar {
             readonly property string plain: entry.text.replace("&", "")
             text: plain
             font: Theme.fonts.small
-            color: entry.highlighted ? Theme.sideStrong : Theme.sideInk
+            color: entry.lit ? Theme.sideStrong : Theme.sideInk
             horizontalAlignment: Text.AlignHCenter
             verticalAlignment: Text.AlignVCenter
         }
@@ -33,7 +34,7 @@ T.MenuBar {
             anchors.fill: parent
             anchors.margins: 3
             radius: 5
-            color: entry.highlighted || entry.down ? Theme.sideRaised : "transparent"
+            color: entry.lit ? Theme.sideRaised : "transparent"
         }
     }
     contentItem: Row {
