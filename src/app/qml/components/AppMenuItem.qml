@@ -30,14 +30,16 @@ T.MenuItem {
             visible: root.iconName.length > 0
             name: root.iconName
             color: root.danger ? Theme.overdue : Theme.mute
+            anchors.left: parent.left
             anchors.verticalCenter: parent.verticalCenter
         }
         Text {
             id: label
             readonly property string plain: root.text.replace(/&(.)/g, "$1")
             anchors.verticalCenter: parent.verticalCenter
-            x: icon.visible ? 28 : 0
-            width: parent.width - x - (keys.visible ? keys.implicitWidth + 16 : 0) - (mark.visible ? 24 : 0)
+            anchors.left: parent.left
+            anchors.leftMargin: icon.visible ? 28 : 0
+            width: parent.width - anchors.leftMargin - (keys.visible ? keys.implicitWidth + 16 : 0) - (mark.visible ? 24 : 0)
             text: plain
             font: Theme.fonts.body
             color: root.inkNow

@@ -39,7 +39,7 @@ Rectangle {
             Layout.fillHeight: false
             spacing: Theme.space2
             Icon { visible: root.icon.length > 0; name: root.icon }
-            AppText { text: root.title; variant: "strong"; Layout.fillWidth: root.note.length === 0; Layout.maximumWidth: root.note ? root.width / 2 : root.width }
+            AppText { text: root.title; variant: "strong"; Layout.fillWidth: true; Layout.maximumWidth: root.note.length > 0 ? Math.ceil(implicitWidth) : Infinity }
             AppText { visible: root.note.length > 0; text: root.note; variant: "body"; color: Theme.mute; Layout.fillWidth: true }
             LinkButton { implicitHeight: 20; visible: root.linkText.length > 0; text: root.linkText; onClicked: root.linkClicked() }
         }

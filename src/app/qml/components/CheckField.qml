@@ -9,8 +9,9 @@ T.CheckBox {
     property string hint
 
     implicitHeight: Math.max(28, contentItem.implicitHeight + 8)
-    implicitWidth: Math.ceil(contentItem.implicitWidth) + leftPadding
-    leftPadding: 28
+    implicitWidth: Math.ceil(contentItem.implicitWidth) + leftPadding + rightPadding
+    leftPadding: mirrored ? 0 : 28
+    rightPadding: mirrored ? 28 : 0
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     opacity: enabled ? 1 : 0.5
@@ -21,6 +22,7 @@ T.CheckBox {
     Keys.onEnterPressed: { toggle(); toggled(); }
 
     indicator: Rectangle {
+        x: root.mirrored ? root.width - width : 0
         y: 5
         width: 18
         height: 18

@@ -31,8 +31,8 @@ FieldFrame {
         width: parent.width
         implicitHeight: Theme.controlHeight
         implicitWidth: 160
-        leftPadding: 11
-        rightPadding: 34
+        leftPadding: mirrored ? 34 : 11
+        rightPadding: mirrored ? 11 : 34
         enabled: !root.readOnly
         model: root.options
         textRole: "text"
@@ -68,11 +68,13 @@ FieldFrame {
                 visible: (root.options[root.index]?.icon ?? "") !== ""
                 name: root.options[root.index]?.icon ?? ""
                 color: Theme.mute
+                anchors.left: parent.left
                 anchors.verticalCenter: parent.verticalCenter
             }
             AppText {
-                x: icon.visible ? 26 : 0
-                width: parent.width - x
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.leftMargin: icon.visible ? 26 : 0
                 anchors.verticalCenter: parent.verticalCenter
                 text: root.index >= 0 ? root.options[root.index].text : root.placeholder
                 color: root.index >= 0 ? (root.readOnly ? Theme.mute : Theme.ink) : Theme.faint
@@ -80,7 +82,7 @@ FieldFrame {
         }
 
         indicator: Icon {
-            x: box.width - width - 11
+            x: box.mirrored ? 11 : box.width - width - 11
             anchors.verticalCenter: parent.verticalCenter
             name: "caret-down"
             size: 14

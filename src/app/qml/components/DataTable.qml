@@ -154,6 +154,7 @@ FocusScope {
                 Row {
                     spacing: 4
                     anchors.verticalCenter: parent.verticalCenter
+                    anchors.left: head.modelData.alignRight ? undefined : parent.left
                     anchors.right: head.modelData.alignRight ? parent.right : undefined
                     Text {
                         text: head.modelData.title

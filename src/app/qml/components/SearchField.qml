@@ -41,8 +41,10 @@ FocusScope {
         id: input
         anchors.fill: parent
         focus: true
-        leftPadding: 36
-        rightPadding: 12 + (clearButton.visible ? 24 : key.visible ? key.width + 4 : 0)
+        readonly property bool mirrored: LayoutMirroring.enabled
+        readonly property int endPadding: 12 + (clearButton.visible ? 24 : key.visible ? key.width + 4 : 0)
+        leftPadding: mirrored ? endPadding : 36
+        rightPadding: mirrored ? 36 : endPadding
         verticalAlignment: TextInput.AlignVCenter
         font: Theme.fonts.body
         color: Theme.ink
@@ -68,7 +70,8 @@ FocusScope {
             hovered: input.hovered
         }
         Icon {
-            x: 11
+            anchors.left: parent.left
+            anchors.leftMargin: 11
             anchors.verticalCenter: parent.verticalCenter
             name: "magnifying-glass"
             color: Theme.mute

@@ -20,7 +20,7 @@ T.Switch {
     Keys.onEnterPressed: { toggle(); toggled(); }
 
     indicator: Rectangle {
-        x: root.width - width
+        x: root.mirrored ? 0 : root.width - width
         anchors.verticalCenter: parent.verticalCenter
         width: 38
         height: 22
@@ -43,6 +43,7 @@ T.Switch {
     contentItem: Item {
         Column {
             id: words
+            anchors.left: parent.left
             anchors.verticalCenter: parent.verticalCenter
             width: parent.width - 54
             spacing: 2

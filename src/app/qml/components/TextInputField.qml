@@ -38,8 +38,11 @@ FieldFrame {
         width: parent.width
         implicitHeight: Theme.controlHeight
         implicitWidth: 120
-        leftPadding: root.iconName ? 34 : 11
-        rightPadding: 11 + (root.unit ? unitText.width + 8 : 0) + (root.trailingIcon ? 26 : 0)
+        readonly property bool mirrored: LayoutMirroring.enabled
+        readonly property int startPadding: root.iconName ? 34 : 11
+        readonly property int endPadding: 11 + (root.unit ? unitText.width + 8 : 0) + (root.trailingIcon ? 26 : 0)
+        leftPadding: mirrored ? endPadding : startPadding
+        rightPadding: mirrored ? startPadding : endPadding
         verticalAlignment: TextInput.AlignVCenter
         horizontalAlignment: root.alignRight ? TextInput.AlignRight : TextInput.AlignLeft
         font: Theme.fonts.body
@@ -70,7 +73,8 @@ FieldFrame {
             visible: root.iconName.length > 0
             name: root.iconName
             color: Theme.mute
-            x: 10
+            anchors.left: parent.left
+            anchors.leftMargin: 10
             anchors.verticalCenter: parent.verticalCenter
         }
         Text {

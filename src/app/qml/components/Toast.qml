@@ -24,14 +24,16 @@ Rectangle {
     }
     HoverHandler { id: hover }
     Icon {
-        x: 16
+        anchors.left: parent.left
+        anchors.leftMargin: 16
         anchors.verticalCenter: parent.verticalCenter
         name: root.tone === "overdue" ? "warning" : root.tone === "soon" ? "warning-circle" : root.tone === "ok" ? "check-circle" : "info"
         color: Theme.tipInk
     }
     AppText {
         id: label
-        x: 44
+        anchors.left: parent.left
+        anchors.leftMargin: 44
         width: root.width - 60
         anchors.verticalCenter: parent.verticalCenter
         text: root.text

@@ -14,6 +14,7 @@ Item {
 
     Flow {
         id: flow
+        anchors.left: parent.left
         width: parent.width - (endRow.implicitWidth > 0 ? endRow.implicitWidth + Theme.space4 : 0)
         spacing: Theme.space2
     }

@@ -30,7 +30,8 @@ Rectangle {
     HoverHandler { id: hover }
     AppText {
         id: label
-        x: 18
+        anchors.left: parent.left
+        anchors.leftMargin: 18
         width: root.width - undo.width - close.width - 56
         anchors.verticalCenter: parent.verticalCenter
         text: root.text

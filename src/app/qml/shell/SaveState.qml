@@ -14,7 +14,8 @@ Item {
 
     Icon {
         id: icon
-        x: root.narrow ? (parent.width - width) / 2 : 10
+        anchors.left: parent.left
+        anchors.leftMargin: root.narrow ? (parent.width - width) / 2 : 10
         anchors.verticalCenter: parent.verticalCenter
         name: root.failing ? "warning" : Fleet.unsaved > 0 ? "floppy-disk" : "check-circle"
         size: 17
@@ -22,8 +23,9 @@ Item {
     }
     Text {
         visible: !root.narrow
-        x: 38
-        width: parent.width - x
+        anchors.left: parent.left
+        anchors.leftMargin: 38
+        width: parent.width - 38
         anchors.verticalCenter: parent.verticalCenter
         text: Fleet.saveText
         font: Theme.fonts.small

@@ -73,10 +73,11 @@ ModalBase {
                 color: ListView.isCurrentItem ? Theme.accentBg : hitHover.hovered ? Theme.hover : "transparent"
                 Accessible.role: Accessible.ListItem
                 Accessible.name: title + (detail ? ", " + detail : "")
-                Icon { x: 10; anchors.verticalCenter: parent.verticalCenter; name: hit.icon; color: Theme.mute }
+                Icon { anchors.left: parent.left; anchors.leftMargin: 10; anchors.verticalCenter: parent.verticalCenter; name: hit.icon; color: Theme.mute }
                 AppText {
                     id: name
-                    x: 40
+                    anchors.left: parent.left
+                    anchors.leftMargin: 40
                     width: Math.min(implicitWidth, parent.width * 0.62)
                     anchors.verticalCenter: parent.verticalCenter
                     text: hit.title
@@ -85,7 +86,7 @@ ModalBase {
                     anchors.right: parent.right
                     anchors.rightMargin: 12
                     anchors.verticalCenter: parent.verticalCenter
-                    width: Math.min(implicitWidth, parent.width - name.x - name.width - 28)
+                    width: Math.min(implicitWidth, parent.width - name.width - 68)
                     text: hit.detail
                     variant: "small"
                 }

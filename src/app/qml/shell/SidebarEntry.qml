@@ -22,7 +22,8 @@ Column {
         height: root.narrow ? 17 : 38
         Text {
             visible: !root.narrow
-            x: 10
+            anchors.left: parent.left
+            anchors.leftMargin: 10
             anchors.bottom: parent.bottom
             anchors.bottomMargin: 7
             text: root.heading.toUpperCase()
@@ -50,15 +51,17 @@ Column {
         Accessible.onPressAction: root.open()
 
         Icon {
-            x: root.narrow ? (parent.width - width) / 2 : 10
+            anchors.left: parent.left
+            anchors.leftMargin: root.narrow ? (parent.width - width) / 2 : 10
             anchors.verticalCenter: parent.verticalCenter
             name: root.entry.icon
             color: root.chosen ? Theme.sideStrong : Theme.sideInk
         }
         Text {
             visible: !root.narrow
-            x: 38
-            width: parent.width - x - (badge.visible ? badge.width + 14 : 8)
+            anchors.left: parent.left
+            anchors.leftMargin: 38
+            width: parent.width - 38 - (badge.visible ? badge.width + 14 : 8)
             anchors.verticalCenter: parent.verticalCenter
             text: root.entry.title
             font: root.chosen ? Theme.fonts.medium : Theme.fonts.body

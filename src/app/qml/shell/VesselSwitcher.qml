@@ -24,7 +24,8 @@ T.Button {
     }
     contentItem: Item {
         Icon {
-            x: root.narrow ? (parent.width - width) / 2 : 12
+            anchors.left: parent.left
+            anchors.leftMargin: root.narrow ? (parent.width - width) / 2 : 12
             anchors.verticalCenter: parent.verticalCenter
             name: "boat"
             size: 22
@@ -32,8 +33,9 @@ T.Button {
         }
         Column {
             visible: !root.narrow
-            x: 45
-            width: parent.width - x - 36
+            anchors.left: parent.left
+            anchors.leftMargin: 45
+            width: parent.width - 45 - 36
             anchors.verticalCenter: parent.verticalCenter
             spacing: 1
             AppText { width: parent.width; text: root.vessel.name ?? "No vessel"; variant: "strong"; color: Theme.sideStrong }
