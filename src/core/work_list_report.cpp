@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <unordered_map>
 
@@ -48,19 +49,22 @@ class WorkListWriter {
                  const StatusHorizon& horizon)
       : vessel_(vessel), last_(last), setting_(setting), horizon_(horizon) {}
 
-  TableRow row(const MaintenanceTask& task) const {
+  /// The second column tells what the group does not: its status in a category, its category in a status.
+  TableRow row(const MaintenanceTask& task, bool byCategory) const {
     const auto reason = explainStatus(task, vessel_, horizon_, setting_.calendar);
-    return {.cells = {job(task), text(task.category.display()), meter(task, reason), due(task, reason), every(task),
-                      lastDone(task), Cell()}};
+    return {.cells = {job(task), text(byCategory ? displayText(reason.status) : task.category.display()),
+                      meter(task, reason), due(task, reason), every(task), lastDone(task), Cell()}};
   }
 
-  /// Since when and how the interval runs: "500 hrs / 365 days".
+  /// How the job repeats: "500 hrs" and "365 days" below each other.
   std::string every(const MaintenanceTask& task) const {
     const auto days = task.recurringDays.value_or(0);
     const auto run = task.recurringEngineHours.value_or(0);
     return joined({run > 0 ? formatQuantity(run, 1, setting_.numbers) + " hrs" : "",
-                   days > 0 ? fmt::format("{} {}", days, days == 1 ? "day" : "days") : ""},
-                  " / ");
+                   days > 0 ? fmt::format("{} {}", formatNumber(static_cast<double>(days), 0, setting_.numbers),
+                                          days == 1 ? "day" : "days")
+                            : ""},
+                  "\n");
   }
 
   const ServiceLog* lastService(const MaintenanceTask& task) const {
@@ -98,12 +102,21 @@ class WorkListWriter {
     const bool days = reason.decidedBy != TriggerType::engineHours;
     const bool run = reason.decidedBy && reason.decidedBy != TriggerType::date;
     cell.note = joined(
-        {days && task.dueDate ? formatDistance(*task.dueDate, setting_.now, setting_.calendar) : "",
+        {days && task.dueDate ? inWords(*task.dueDate) : "",
          run && reason.remainingHours ? remaining(*reason.remainingHours) : "",
          reason.snoozed && task.snoozedUntil ? "snoozed until " + formatDate(setting_.calendar.date(*task.snoozedUntil))
                                              : ""},
         "\n");
     return cell;
+  }
+
+  /// "6 days past", "in 4 days"; nothing for a day so far off that its date says it best.
+  std::string inWords(Timestamp due) const {
+    const auto today = setting_.calendar.date(setting_.now);
+    const auto date = setting_.calendar.date(due);
+    if (date < today) return formatDue(due, setting_.now, setting_.calendar);
+    const auto words = formatDistance(due, setting_.now, setting_.calendar);
+    return words == formatShortDate(date, today) ? std::string() : words;
   }
 
   std::string remaining(double value) const {
@@ -115,7 +128,7 @@ class WorkListWriter {
     if (!log) return "—";
     Cell cell(formatDate(setting_.calendar.date(log->completedDate)));
     cell.note = joined(
-        {log->engineHoursAtService > 0 ? hours(log->engineHoursAtService, setting_) : "", log->completedBy}, "  ·  ");
+        {log->engineHoursAtService > 0 ? hours(log->engineHoursAtService, setting_) : "", log->completedBy}, "\n");
     return cell;
   }
 
@@ -126,13 +139,15 @@ class WorkListWriter {
 };
 
 FieldGrid metersOf(const Vessel& vessel, const ReportSetting& setting) {
-  FieldGrid grid{.columns = 4};
+  constexpr std::size_t mostAbreast = 5;
+  FieldGrid grid;
   for (const HourSource source : vessel.meters()) {
     grid.fields.push_back({std::string(displayText(source)), hours(vessel.reading(source), setting)});
   }
   if (vessel.engineHoursUpdatedAt) {
     grid.fields.push_back({"Read on", formatDate(setting.calendar.date(*vessel.engineHoursUpdatedAt))});
   }
+  grid.columns = static_cast<int>(std::min(grid.fields.size(), mostAbreast));
   return grid;
 }
 
@@ -157,10 +172,10 @@ Document workListReport(std::span<const MaintenanceTask> tasks, std::span<const 
   if (auto meters = metersOf(vessel, setting); !meters.fields.empty()) document.blocks.push_back(std::move(meters));
 
   Table table{.columns = {{.title = "Task", .weight = 3},
-                          {.title = "Category", .weight = 1.2},
+                          {.title = query.groupByCategory ? "Status" : "Category", .weight = 1.2},
                           {.title = "Meter", .wraps = false},
                           {.title = "Due", .wraps = false},
-                          {.title = "Interval", .weight = 1},
+                          {.title = "Interval", .wraps = false},
                           {.title = "Last done", .weight = 1.2},
                           {.title = "Done: date, hours, initials", .weight = 1.4}},
               .emptyText = "Nothing is due."};
@@ -171,7 +186,9 @@ Document workListReport(std::span<const MaintenanceTask> tasks, std::span<const 
     group = table.rows.size();
     table.rows.push_back({.cells = {Cell(std::string(title))}, .kind = TableRow::Kind::group});
   };
-  const auto put = [&](const TaskRow& row) { table.rows.push_back(writer.row(tasks[row.index])); };
+  const auto put = [&](const TaskRow& row) {
+    table.rows.push_back(writer.row(tasks[row.index], query.groupByCategory));
+  };
   if (query.groupByCategory) {
     for (const auto& run : categoryGroups(rows, tasks)) {
       startGroup(run.category.display());

@@ -9,6 +9,7 @@ using paper::TextStyle;
 
 constexpr double startOfBlock = 64;  ///< what must fit below a heading
 constexpr double summaryWidth = 248;
+constexpr double summaryStep = 15.75;  ///< from line to line
 constexpr double signatureHeight = 44;
 constexpr double signatureGap = 30;
 constexpr std::size_t signaturesAbreast = 3;
@@ -26,9 +27,47 @@ void putParagraphLines(PageFlow& flow, std::string_view text, TextStyle style, d
   }
 }
 
+/// How a summary divides the width, and how high it stands.
+struct SummaryMeasure {
+  double width;
+  std::vector<TextLine> remarks;
+  double remarksWidth;
+  double height;
+
+  SummaryMeasure(const PageFlow& flow, const Summary& summary) : width(std::min(summaryWidth, flow.width() * 0.55)) {
+    remarksWidth = flow.width() - width - 24;
+    flow.typesetter().wrap(summary.remarks, TextStyle::muted, remarksWidth, remarks);
+    height = std::max(8 + summaryStep * static_cast<double>(summary.lines.size() + 1),
+                      6 + static_cast<double>(remarks.size()) * lineHeight(TextStyle::muted));
+  }
+};
+
+double heightOf(const Signatures& signatures) {
+  return static_cast<double>((signatures.captions.size() + signaturesAbreast - 1) / signaturesAbreast) *
+         signatureHeight;
+}
+
+/// The room that the sums and signatures from `block` on need, with the gap before them; 0 for any other block.
+double heightOfEnd(const PageFlow& flow, const std::vector<Block>& blocks, std::size_t block) {
+  double height = 0;
+  for (; block < blocks.size(); ++block) {
+    if (const auto* summary = std::get_if<Summary>(&blocks[block])) {
+      height += paper::blockGap + SummaryMeasure(flow, *summary).height;
+    } else if (const auto* signatures = std::get_if<Signatures>(&blocks[block])) {
+      height += paper::blockGap + heightOf(*signatures);
+    } else {
+      break;
+    }
+  }
+  return height;
+}
+
 class BlockSetter {
  public:
   BlockSetter(PageFlow& flow, const ReportProgress& progress) : flow_(flow), progress_(progress) {}
+
+  /// The room to keep free below the next block.
+  void keepBelow(double tail) { tail_ = tail; }
 
   bool operator()(const Heading& heading) {
     flow_.gap(4);
@@ -59,7 +98,7 @@ class BlockSetter {
     return true;
   }
 
-  bool operator()(const Table& table) { return putTable(flow_, table, progress_); }
+  bool operator()(const Table& table) { return putTable(flow_, table, tail_, progress_); }
 
   bool operator()(const Card& card) {
     const double x = flow_.left() + paper::framePadding;
@@ -113,13 +152,9 @@ class BlockSetter {
   }
 
   bool operator()(const Summary& summary) {
-    constexpr double lineStep = 15.75;
-    const double blockWidth = std::min(summaryWidth, flow_.width() * 0.55);
-    const double remarksWidth = flow_.width() - blockWidth - 24;
-    std::vector<TextLine> remarks;
-    flow_.typesetter().wrap(summary.remarks, TextStyle::muted, remarksWidth, remarks);
-    const double sums = 8 + lineStep * static_cast<double>(summary.lines.size() + 1);
-    flow_.ensure(std::max(sums, 6 + static_cast<double>(remarks.size()) * lineHeight(TextStyle::muted)));
+    const SummaryMeasure measure(flow_, summary);
+    const double blockWidth = measure.width;
+    flow_.ensure(measure.height + tail_);
 
     const double x = flow_.left() + flow_.width() - blockWidth;
     double y = flow_.y();
@@ -127,18 +162,18 @@ class BlockSetter {
     y += 7;
     flow_.putText(summary.title, x, y, blockWidth, TextStyle::strong);
     for (const auto& line : summary.lines) {
-      y += lineStep;
+      y += summaryStep;
       flow_.putText(line.label, x, y, blockWidth, TextStyle::body);
       const double note = line.note.empty() ? 0 : flow_.typesetter().width(line.note, TextStyle::muted) + 4;
       flow_.putText(line.note, x, y, blockWidth, TextStyle::muted, Alignment::right);
       flow_.putText(line.value, x, y, blockWidth - note, TextStyle::strong, Alignment::right);
     }
     double remarkY = flow_.y() + 6;
-    for (const auto& line : remarks) {
-      flow_.putLine(line, flow_.left(), remarkY, remarksWidth, TextStyle::muted, Alignment::left);
+    for (const auto& line : measure.remarks) {
+      flow_.putLine(line, flow_.left(), remarkY, measure.remarksWidth, TextStyle::muted, Alignment::left);
       remarkY += lineHeight(TextStyle::muted);
     }
-    flow_.advance(std::max(y + lineStep, remarkY) - flow_.y() + paper::blockGap);
+    flow_.advance(std::max(y + summaryStep, remarkY) - flow_.y() + paper::blockGap);
     return true;
   }
 
@@ -174,9 +209,8 @@ class BlockSetter {
 
   bool operator()(const Signatures& signatures) {
     const std::size_t count = signatures.captions.size();
-    const std::size_t rows = (count + signaturesAbreast - 1) / signaturesAbreast;
-    flow_.ensure(static_cast<double>(rows) * signatureHeight);
-    flow_.advance(std::max(0.0, flow_.space() - static_cast<double>(rows) * signatureHeight - 6));
+    flow_.ensure(heightOf(signatures));
+    flow_.advance(std::max(0.0, flow_.space() - heightOf(signatures) - 6));
     for (std::size_t from = 0; from < count; from += signaturesAbreast) {
       const std::size_t to = std::min(from + signaturesAbreast, count);
       const auto abreast = static_cast<double>(to - from);
@@ -200,6 +234,7 @@ class BlockSetter {
  private:
   PageFlow& flow_;
   const ReportProgress& progress_;
+  double tail_ = 0;
 };
 
 }  // namespace
@@ -209,8 +244,9 @@ std::optional<PagedLayout> layOut(const Document& document, const Typesetter& ty
   PagedLayout layout;
   PageFlow flow(document, typesetter, layout);
   BlockSetter setter(flow, progress);
-  for (const auto& block : document.blocks) {
-    if (!std::visit(setter, block)) return std::nullopt;
+  for (std::size_t i = 0; i < document.blocks.size(); ++i) {
+    setter.keepBelow(heightOfEnd(flow, document.blocks, i + 1));
+    if (!std::visit(setter, document.blocks[i])) return std::nullopt;
   }
   flow.finish();
   return layout;

@@ -12,7 +12,8 @@ std::optional<PagedLayout> layOut(const Document& document, const Typesetter& ty
                                   const ReportProgress& progress = {});
 
 /// Sets a table: its columns as wide as their texts ask, its head on every page, its rows unbroken as long as a page
-/// has room for them; a taller one goes on below the repeated head. False when `progress` stopped it.
-bool putTable(PageFlow& flow, const Table& table, const ReportProgress& progress);
+/// has room for them; a taller one goes on below the repeated head. The last row keeps `tail` points below it free for
+/// the sums and signatures, which never stand alone on a page. False when `progress` stopped it.
+bool putTable(PageFlow& flow, const Table& table, double tail, const ReportProgress& progress);
 
 }  // namespace thalvorn

@@ -33,7 +33,7 @@ const LineFacts& facts(LineStyle style) { return lines[static_cast<std::size_t>(
 
 bool loadFonts() {
   static const bool loaded = [] {
-    for (const auto* file : {":/fonts/Inter-Regular.ttf", ":/fonts/Inter-SemiBold.ttf"}) {
+    for (const auto* file : {":/fonts/Inter-Regular.ttf", ":/fonts/Inter-SemiBold.ttf", ":/fonts/Blank.ttf"}) {
       if (QFontDatabase::addApplicationFont(QString::fromLatin1(file)) < 0) return false;
     }
     return true;
@@ -49,12 +49,14 @@ QFont font(bool heavy, const QString& language) {
                           : QStringLiteral("Noto Sans CJK SC");
   QFont result;
   result.setFamilies({QStringLiteral("Inter"), QStringLiteral("Noto Sans"), QStringLiteral("Noto Sans Arabic"),
-                      QStringLiteral("Noto Sans Hebrew"), han, emojiFamily(), QStringLiteral("Noto Sans Symbols2"),
+                      QStringLiteral("Noto Sans Hebrew"), han, QStringLiteral("Noto Sans Symbols2"),
                       QStringLiteral("Noto Sans Symbols"), QStringLiteral("Noto Sans Math")});
   result.setWeight(heavy ? QFont::DemiBold : QFont::Normal);
   result.setHintingPreference(QFont::PreferNoHinting);
   return result;
 }
+
+QString blankFamily() { return QStringLiteral("Thalvorn Blank"); }
 
 QString emojiFamily() { return QStringLiteral("Noto Color Emoji"); }
 

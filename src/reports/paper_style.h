@@ -53,14 +53,20 @@ inline constexpr double tickBoxSize = 7.5;
 inline constexpr double tickBoxIndent = 13;     ///< from a tick box's left edge to the text after it
 inline constexpr double photoResolution = 200;  ///< dots per inch kept of a photo
 
-/// Loads the bundled typeface once; false when it is missing from the program.
+/// Loads the bundled typefaces once; false when one is missing from the program.
 bool loadFonts();
 
-/// The font of a weight in any script: the bundled typeface first, then named ones for other scripts and emoji, the
-/// Han characters in the form of the document's language.
+/// The font of a weight in any script: the bundled typeface first, then named ones for other scripts, the Han
+/// characters in the form of the document's language.
 QFont font(bool heavy, const QString& language);
 
-/// The typeface whose colour pictures printers' files cannot hold as outlines.
+/// The typeface of emoji, as pictures: a printer's file cannot hold its glyphs, and the toolkit, asked to try, loses
+/// them for the screen too.
 QString emojiFamily();
+
+/// A bundled typeface whose glyphs from `firstBlank` on are one em wide and show nothing.
+QString blankFamily();
+inline constexpr char16_t firstBlank = 0xA000;
+inline constexpr int blankCount = 1024;
 
 }  // namespace thalvorn::paper

@@ -143,8 +143,8 @@ std::string hex(const QString& value) {
   return digits;
 }
 
-/// What is read for each glyph of the emoji typeface. The toolkit numbers a font's glyphs in the order in which they
-/// are first drawn, from 1, but knows no text for those beyond the first plane of Unicode, where most emoji are.
+/// What is read for each blank glyph below an emoji's picture. The toolkit numbers a font's glyphs in the order in
+/// which they are first drawn, from 1.
 std::string emojiMap(const std::vector<QString>& emoji) {
   std::string map =
       "/CIDInit /ProcSet findresource begin 12 dict begin begincmap\n"
@@ -157,7 +157,6 @@ std::string emojiMap(const std::vector<QString>& emoji) {
     std::string lines;
     int count = 0;
     for (std::size_t i = from; i < to; ++i) {
-      if (emoji[i].isEmpty()) continue;
       lines += fmt::format("<{:04x}> <{}>\n", i + 1, hex(emoji[i]));
       ++count;
     }
@@ -176,36 +175,11 @@ void nameQuotes(PdfObjects& pdf, qpdf_oh font) {
   pdf.setStream(stream, map);
 }
 
-/// Clears the measures in a TrueType file, and what follows from them: those of the emoji, which stand alone, are not
-/// the same each time the toolkit is asked.
-void clearMeasures(std::string& font) {
-  const auto number = [&](std::size_t at, std::size_t bytes) {
-    std::size_t value = 0;
-    for (std::size_t i = 0; i < bytes && at + i < font.size(); ++i) {
-      value = value << 8 | static_cast<unsigned char>(font[at + i]);
-    }
-    return value;
-  };
-  const auto clear = [&](std::size_t at, std::size_t bytes) {
-    if (at < font.size()) std::fill_n(font.begin() + static_cast<long>(at), std::min(bytes, font.size() - at), '\0');
-  };
-  const std::size_t tables = number(4, 2);
-  for (std::size_t i = 0; i < tables; ++i) {
-    const std::size_t entry = 12 + 16 * i;
-    const std::string tag = font.substr(std::min(entry, font.size()), 4);
-    const std::size_t offset = number(entry + 8, 4);
-    if (tag == "hmtx") clear(offset, number(entry + 12, 4));
-    if (tag == "hhea") clear(offset + 4, 8);  // ascent, descent, gap and the widest advance
-    if (tag == "head") clear(offset + 8, 4);  // the checksum of the file
-    clear(entry + 4, 4);                      // the checksum of the table
-  }
-}
-
 /// Names the subsets of fonts in the order of their use, where the toolkit's order is one of chance, and gives the
 /// emoji their texts.
 void nameFonts(PdfObjects& pdf, const std::vector<QString>& emoji) {
   const auto file = pdf.file();
-  const std::string emojiName = paper::emojiFamily().remove(QLatin1Char(' ')).toStdString();
+  const std::string blank = paper::blankFamily().remove(QLatin1Char(' ')).toStdString();
   const int size = qpdf_oh_get_int_value_as_int(file, pdf.get(pdf.trailer(), "/Size"));
   int fonts = 0;
   for (int id = 1; id < size; ++id) {
@@ -218,16 +192,10 @@ void nameFonts(PdfObjects& pdf, const std::vector<QString>& emoji) {
     pdf.set(font, "/BaseFont", pdf.name(tagged.c_str()));
     pdf.set(descendant, "/BaseFont", pdf.name(tagged.c_str()));
     pdf.set(pdf.get(descendant, "/FontDescriptor"), "/FontName", pdf.name(tagged.c_str()));
-    if (name.find(emojiName) == std::string::npos) {
+    if (name.find(blank) == std::string::npos) {
       nameQuotes(pdf, font);
       continue;
     }
-    qpdf_oh_remove_key(file, descendant, "/W");
-    pdf.set(descendant, "/DW", pdf.integer(1000));
-    const auto outlines = pdf.get(pdf.get(descendant, "/FontDescriptor"), "/FontFile2");
-    auto bytes = pdf.streamBytes(outlines);
-    clearMeasures(bytes);
-    pdf.setStream(outlines, bytes);
     pdf.setStream(pdf.get(font, "/ToUnicode"), emojiMap(emoji));
   }
 }

@@ -29,7 +29,7 @@ struct RowLines {
 
 class TableSetter {
  public:
-  TableSetter(PageFlow& flow, const Table& table) : flow_(flow), table_(table) {
+  TableSetter(PageFlow& flow, const Table& table, double tail) : flow_(flow), table_(table), tail_(tail) {
     findWidths();
     for (const auto& column : table_.columns) {
       auto& lines = headLines_.emplace_back();
@@ -37,6 +37,14 @@ class TableSetter {
       headRows_ = std::max(headRows_, lines.size());
     }
     rowLines_.cells.resize(table_.columns.size());
+    for (const auto& row : table_.rows) {
+      for (const auto& detail : row.details) {
+        if (detail.label.empty() || detail.label == widestLabel_) continue;
+        const double width = flow_.typesetter().width(detail.label, TextStyle::muted) + 8;
+        if (width > detailIndent_) widestLabel_ = detail.label;
+        detailIndent_ = std::min(std::max(detailIndent_, width), flow_.width() / 4);
+      }
+    }
   }
 
   bool put(const ReportProgress& progress) {
@@ -55,7 +63,7 @@ class TableSetter {
         continue;
       }
       cut(row);
-      makeRoom(pendingGroup ? groupHeight() : 0);
+      makeRoom(pendingGroup ? groupHeight() : 0, i + 1 == table_.rows.size() ? tail_ : 0);
       if (pendingGroup) putGroup(*pendingGroup);
       pendingGroup = nullptr;
       putRow(row);
@@ -144,8 +152,7 @@ class TableSetter {
     rowLines_.detailIndents.clear();
     const double whole = flow_.width() - 2 * paper::cellPadding;
     for (const auto& detail : row.details) {
-      const double label = detail.label.empty() ? 0 : typesetter.width(detail.label, TextStyle::muted) + 6;
-      const double indent = std::min(std::max(label, detailLabelWidth_), whole / 3);
+      const double indent = detail.label.empty() ? 0 : detailIndent_;
       typesetter.wrap(detail.value, TextStyle::body, whole - indent, wrapped_);
       if (wrapped_.empty()) wrapped_.push_back({"", 0, true});
       bool first = true;
@@ -159,9 +166,10 @@ class TableSetter {
     }
   }
 
-  void makeRoom(double before) {
+  void makeRoom(double before, double after) {
     const double height = before + heightOf(rowLines_.count());
-    if (height <= flow_.space()) return;
+    if (height + after <= flow_.space()) return;
+    if (height <= flow_.space() && after > flow_.fullPage() / 2) return;
     // Not on this page; and when on none, as much as there is room for, if that is worth starting.
     const bool fitsOnOne = height <= flow_.fullPage() - headHeight() - (group_ ? groupHeight() : 0);
     if (fitsOnOne || flow_.space() < before + heightOf(3)) continueOnNewPage(before == 0);
@@ -270,20 +278,22 @@ class TableSetter {
 
   PageFlow& flow_;
   const Table& table_;
+  double tail_;
   std::vector<double> widths_;
   std::vector<std::vector<TextLine>> headLines_;
   std::size_t headRows_ = 1;
   RowLines rowLines_;
   std::vector<TextLine> wrapped_;
   std::vector<std::pair<std::size_t, std::string_view>> detailLabels_;
-  double detailLabelWidth_ = 0;
+  double detailIndent_ = 0;  // of the remarks below a row, behind their labels
+  std::string_view widestLabel_;
   const TableRow* group_ = nullptr;
 };
 
 }  // namespace
 
-bool putTable(PageFlow& flow, const Table& table, const ReportProgress& progress) {
-  return TableSetter(flow, table).put(progress);
+bool putTable(PageFlow& flow, const Table& table, double tail, const ReportProgress& progress) {
+  return TableSetter(flow, table, tail).put(progress);
 }
 
 }  // namespace thalvorn

@@ -113,6 +113,8 @@ Typesetter::Typesetter(const QString& language) {
   QFont emoji(paper::emojiFamily());
   emoji.setPixelSize(static_cast<int>(referenceSize));
   emojiFont_ = QRawFont::fromFont(emoji);
+  blankFont_ = QFont(paper::blankFamily());
+  blankFont_.setStyleStrategy(QFont::PreferNoShaping);
   for (int i = 0; i < paper::textStyleCount; ++i) {
     const auto style = static_cast<TextStyle>(i);
     plainFonts_[static_cast<std::size_t>(i)] = fontAt(style, paper::facts(style).size);
@@ -144,7 +146,7 @@ double Typesetter::width(std::string_view text, TextStyle style) const {
   const auto measured = measure(text, style);
   if (measured.plain) return measured.width;
   std::vector<TextLine> lines;
-  wrapShaped(text, style, unlimited, lines);
+  wrap(text, style, unlimited, lines);
   double widest = 0;
   for (const auto& line : lines) widest = std::max(widest, line.width);
   return widest;
@@ -244,7 +246,8 @@ std::vector<Typesetter::Emoji> Typesetter::emojiIn(const QString& text) const {
     const bool pair = text[from].isHighSurrogate() && from + 1 < to;
     const char32_t code = pair ? QChar::surrogateToUcs4(text[from], text[from + 1]) : text[from].unicode();
     const bool bundled = code < tableSize && advances_[0][code] >= 0;
-    if (code > 0x203B && !bundled && emojiFont_.supportsCharacter(code)) {
+    const bool asPicture = text.mid(from, to - from).contains(QChar(0xFE0F));
+    if ((asPicture || (code > 0x203B && !bundled)) && emojiFont_.supportsCharacter(code)) {
       found.push_back({static_cast<int>(from), static_cast<int>(to - from)});
     }
   }
@@ -274,17 +277,14 @@ void Typesetter::drawEmoji(QPainter& painter, QPointF baseline, const QString& e
   painter.drawImage(QRectF(baseline.x() - (size - 1) / 2 * em, baseline.y() - 0.93 * em, size * em, size * em),
                     pictureOf(emoji));
   if (painter.paintEngine()->type() != QPaintEngine::Pdf) return;
-  // A printer's file cannot hold glyphs in colour: the picture is seen, the blank glyph below it is found and copied.
-  const QString first = emoji.left(emoji[0].isHighSurrogate() ? 2 : 1);
-  QFont font(paper::emojiFamily());
-  font.setPixelSize(std::max(1, static_cast<int>(em)));
-  font.setStyleStrategy(QFont::PreferNoShaping);
-  painter.setFont(font);
-  painter.drawText(baseline, first);
-  const auto glyphs = emojiFont_.glyphIndexesForString(first);
-  if (glyphs.isEmpty() || std::ranges::find(emojiGlyphs_, glyphs.first()) != emojiGlyphs_.end()) return;
-  emojiGlyphs_.push_back(glyphs.first());
-  emojiDrawn_.push_back(emoji);
+  if (painter.paintEngine()->type() != QPaintEngine::Pdf) return;
+  const auto known = std::ranges::find(emojiDrawn_, emoji);
+  const auto index = known - emojiDrawn_.begin();
+  if (index >= paper::blankCount) return;
+  if (known == emojiDrawn_.end()) emojiDrawn_.push_back(emoji);
+  blankFont_.setPixelSize(std::max(1, static_cast<int>(em)));
+  painter.setFont(blankFont_);
+  painter.drawText(baseline, QString(QChar(static_cast<char16_t>(paper::firstBlank + index))));
 }
 
 const QImage& Typesetter::pictureOf(const QString& emoji) {

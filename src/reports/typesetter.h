@@ -32,7 +32,7 @@ class Typesetter {
  public:
   explicit Typesetter(const QString& language);
 
-  /// Width in points of a single line.
+  /// Width in points of the widest line of a text.
   double width(std::string_view text, paper::TextStyle style) const;
 
   /// Appends the lines of `text` at most `width` points wide to `lines`: broken after blanks, hyphens and slashes, a
@@ -77,7 +77,7 @@ class Typesetter {
   std::array<QFont, paper::textStyleCount> plainFonts_;
   QRawFont emojiFont_;
   QHash<QString, QImage> emojiPictures_;
-  std::vector<quint32> emojiGlyphs_;
+  QFont blankFont_;
   std::vector<QString> emojiDrawn_;
   mutable QString missing_;
 };

@@ -79,6 +79,7 @@ TEST(WorkListReport, GroupsWhatIsDueByStatusOrCategory) {
   const auto byCategory = workListReport(tasks, history(), yacht(), {}, {.groupByCategory = true}, setting());
   EXPECT_THAT(titles(tableOf(byCategory)), ::testing::Contains("# Safety 1"));
   EXPECT_EQ(tableOf(byCategory).rows.size(), 4 + 2u);
+  EXPECT_EQ(tableOf(byCategory).columns[1].title, "Status");
   EXPECT_THAT(tableOf(workListReport({}, {}, yacht(), {}, {}, setting())).rows, IsEmpty());
 }
 
@@ -91,7 +92,7 @@ TEST(WorkListReport, SaysWhenAndHowAJobFallsDue) {
   EXPECT_EQ(raft[0].tick, TickBox::open);
   EXPECT_EQ(raft[0].note, "High priority");
   EXPECT_EQ(raft[3].text, "2 Nov 2026");
-  EXPECT_EQ(raft[3].note, "19 days ago");
+  EXPECT_EQ(raft[3].note, "19 days past");
   EXPECT_TRUE(raft[3].strong);
   const auto& seal = rows[4].cells;
   EXPECT_EQ(seal[0].note, "Deficiency / Squawk");
@@ -101,9 +102,9 @@ TEST(WorkListReport, SaysWhenAndHowAJobFallsDue) {
   EXPECT_EQ(oil[2].note, "1,000.0 hrs");
   EXPECT_EQ(oil[3].text, "1,006.2 hrs");
   EXPECT_EQ(oil[3].note, "in 6.2 hrs");
-  EXPECT_EQ(oil[4].text, "500 hrs / 365 days");
+  EXPECT_EQ(oil[4].text, "500 hrs\n365 days");
   EXPECT_EQ(oil[5].text, "14 Jan 2026");
-  EXPECT_EQ(oil[5].note, "806.2 hrs  ·  L. Marchetti");
+  EXPECT_EQ(oil[5].note, "806.2 hrs\nL. Marchetti");
 }
 
 TEST(WorkListCsv, ImportsAgainUnchanged) {

@@ -9,6 +9,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include "core/service_history_report.h"
+#include "core/work_list_report.h"
 #include "reports/document/document_text.h"
 #include "sample_documents.h"
 
@@ -116,6 +118,45 @@ TEST(PdfRenderer, RepeatsTheHeadAndSplitsNoRow) {
     }
   }
   EXPECT_EQ(count(text, "begin499x"), 1);
+}
+
+TEST(PdfRenderer, SumsAndSignaturesNeverStandAlone) {
+  for (int rows = 10; rows < 30; ++rows) {
+    const auto text = textOf(pdfOf(sampleRegister(rows)), {QStringLiteral("-raw")});
+    const auto sheet = text.substr(text.rfind('\f', text.size() - 2) + 1);
+    for (const auto* part : {"INV-", "SUMMARY", "Master — name", "Page"}) EXPECT_THAT(sheet, HasSubstr(part)) << rows;
+  }
+}
+
+TEST(PdfRenderer, PrintsTheMaintenanceReportsWhole) {
+  Vessel vessel;
+  vessel.name = "Aurelia";
+  MaintenanceTask task{.id = Uuid::random(), .title = "Fuel filter ⛽ замена", .notes = "Two \"spin-on\" elements"};
+  task.dueDate = parseTimestamp("2026-11-25T08:00:00Z");
+  const ServiceLog log{.id = Uuid::random(),
+                       .taskID = task.id,
+                       .taskTitle = task.title,
+                       .completedDate = *parseTimestamp("2026-01-14T08:00:00Z"),
+                       .technicianNotes = "Δp 0.3 bar → clean ✅",
+                       .cost = 12.5,
+                       .completedBy = "Łukasz",
+                       .partsUsed = {{Uuid::random(), "Element", 2, "R-120", 40.0}}};
+  const ReportSetting setting{.now = *parseTimestamp("2026-11-21T09:40:00Z")};
+  const auto workList = PagedReport::layOut(
+      workListReport(std::span(&task, 1), std::span(&log, 1), vessel, {}, {.scope = TaskScope::library}, setting));
+  const auto history =
+      PagedReport::layOut(serviceHistoryReport(std::span(&log, 1), vessel, {}, {.detailed = true}, setting));
+  for (const auto* report : {&*workList, &*history}) EXPECT_EQ(report->missingCharacters().toStdString(), "");
+  const auto due = textOf(workList->pdf().value());
+  for (const auto* part : {"Maintenance Work List", "Aurelia", "Fuel filter ⛽ замена", "25 Nov 2026", "in 4 days",
+                           "Two \"spin-on\" elements", "14 Jan 2026", "Łukasz", "Last done"}) {
+    EXPECT_THAT(due, HasSubstr(part));
+  }
+  const auto done = textOf(history->pdf().value());
+  for (const auto* part :
+       {"Service History (Detailed)", "Δp 0.3 bar → clean ✅", "2 × Element", "USD 40.00", "52.50"}) {
+    EXPECT_THAT(done, HasSubstr(part));
+  }
 }
 
 TEST(PdfRenderer, PrintsEveryBlockInEveryScriptAndCutsNothing) {
