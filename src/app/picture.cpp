@@ -82,9 +82,17 @@ QStringList collectedWarnings() {
 }
 
 QStringList visitEveryPage(Composition& composition) {
+  const QSize size = composition.window()->size();
   for (const PageEntry& page : pageTable()) {
     const QString id = QString::fromUtf16(page.id);
     composition.app().open(id);
+    settle(composition.window());
+    // The other colours and the least width, and back: what is taken down meanwhile goes without a word, too.
+    composition.app().showIn(QStringLiteral("dark"));
+    composition.window()->resize(composition.window()->minimumSize());
+    settle(composition.window());
+    composition.app().showIn(QStringLiteral("light"));
+    composition.window()->resize(size);
     settle(composition.window());
     if (!composition.window()->property("shownPage").value<QQuickItem*>()) {
       qWarning("The page %s did not load", qUtf8Printable(id));

@@ -65,6 +65,18 @@ FocusScope {
         return result;
     }
 
+    // What a cell reads of its row: the model's roles, and the last values once the row is taken down, which happens
+    // before its cells are.
+    function cellRow(item) {
+        return new Proxy({}, {
+            get: (kept, role) => {
+                const now = item.model;
+                if (now)
+                    kept[role] = now[role];
+                return kept[role];
+            }
+        });
+    }
     function rowAt(index) {
         const item = view.itemAtIndex(index);
         return item ? item.row : null;
@@ -232,6 +244,7 @@ FocusScope {
             required property var model
             required property int index
             readonly property var row: model
+            readonly property var cellRow: root.cellRow(line)
             readonly property bool section: model.isSection === true
             readonly property bool chosen: root.selectable && !section && root.selectedId !== undefined && model[root.idRole] === root.selectedId
 
@@ -311,7 +324,7 @@ FocusScope {
                 delegate: Loader {
                     required property var modelData
                     required property int index
-                    readonly property var row: line.model
+                    readonly property var row: line.cellRow
                     readonly property bool selected: line.chosen
                     readonly property bool alignRight: modelData.alignRight
                     readonly property var place: root.places[index] ?? { x: 0, w: 0, visible: false }
