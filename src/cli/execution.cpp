@@ -41,6 +41,14 @@ std::optional<CommandResult> answerWithoutStore(const CommandLine& line) {
   return std::nullopt;
 }
 
+QCoro::Task<CommandResult> runCommand(const Command* command, CommandContext context, Arguments arguments) {
+  try {
+    co_return co_await command->run(std::move(context), std::move(arguments));
+  } catch (const std::exception& problem) {
+    co_return refused(fmt::format("The command failed: {}.", problem.what()));
+  }
+}
+
 CommandResult runInThisProcess(const CommandLine& line, const Surroundings& surroundings) {
   const Command& command = *line.command;
   const SystemClock system;
@@ -55,7 +63,7 @@ CommandResult runInThisProcess(const CommandLine& line, const Surroundings& surr
                          .input = surroundings.input,
                          .workingDirectory = surroundings.workingDirectory,
                          .storeFile = surroundings.storeFile};
-  if (command.access == Access::replacesFile) return QCoro::waitFor(command.run(context, line.arguments));
+  if (command.access == Access::replacesFile) return QCoro::waitFor(runCommand(&command, context, line.arguments));
 
   auto cache = LocalCache::open(surroundings.storeFile, {.create = command.createsStore});
   if (!cache) return refused(cache.error().message);
@@ -63,7 +71,7 @@ CommandResult runInThisProcess(const CommandLine& line, const Surroundings& surr
   AppViewModel store(**cache, fixed);
   context.store = &store;
   if (command.access != Access::upkeep) store.reloadNow(choosePrefix(**cache, line));
-  return QCoro::waitFor(command.run(context, line.arguments));
+  return QCoro::waitFor(runCommand(&command, context, line.arguments));
 }
 
 }  // namespace thalvorn::cli

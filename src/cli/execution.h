@@ -30,6 +30,9 @@ std::expected<std::optional<Timestamp>, CommandResult> moment(const CommandLine&
 /// The answer to a line that needs no store (help, version); nothing for one that runs a command.
 std::optional<CommandResult> answerWithoutStore(const CommandLine& line);
 
+/// Carries the command out; an exception that leaves it becomes a refusal.
+QCoro::Task<CommandResult> runCommand(const Command* command, CommandContext context, Arguments arguments);
+
 /// Opens the store, carries out the command and closes the store. The caller holds the store's lock. Needs a
 /// QCoreApplication; the answer is not `explained` yet.
 CommandResult runInThisProcess(const CommandLine& line, const Surroundings& surroundings);

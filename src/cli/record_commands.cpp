@@ -96,12 +96,13 @@ std::optional<JsonError> vesselProblem(const AppViewModel& store, const T& recor
   if constexpr (belongsToVessel<T>) {
     const std::optional<Uuid> vesselID = record.vesselID;
     constexpr bool optional = requires { JsonForm<T>::vesselOptional; };
+    constexpr const char* key = requires { JsonForm<T>::snakeCase; } ? "vessel_id" : "vesselID";
     if (!vesselID || (!optional && vesselID->isNil())) {
       if constexpr (optional) return std::nullopt;
-      return JsonError{"vesselID", "is missing"};
+      return JsonError{key, "is missing"};
     }
     if (store.vessels().find(*vesselID) == nullptr)
-      return JsonError{"vesselID", fmt::format("there is no vessel {}", vesselID->toString())};
+      return JsonError{key, fmt::format("there is no vessel {}", vesselID->toString())};
   }
   return std::nullopt;
 }

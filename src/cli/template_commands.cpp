@@ -2,8 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <fstream>
-#include <iterator>
+#include <QFile>
 
 #include "cli/commands.h"
 #include "cli/json_text.h"
@@ -25,13 +24,11 @@ Edit additionOf(std::vector<MaintenanceTask> tasks) {
 std::expected<std::string, std::string> csvText(const CommandContext& context, const std::string& name) {
   if (name == "-") return csvTextFromBytes(*context.input);
   const std::filesystem::path path = context.file(name);
-  std::ifstream stream(path, std::ios::binary);
-  std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-  std::error_code error;
-  if (!stream || std::filesystem::is_directory(path, error))
+  QFile file(QFile::decodeName(path.c_str()));
+  if (!file.open(QIODevice::ReadOnly))
     return std::unexpected(
         fmt::format("Could not read CSV file. Check the name and the permissions of {}.", path.string()));
-  return csvTextFromBytes(std::move(bytes));
+  return csvTextFromBytes(file.readAll().toStdString());
 }
 
 std::string previewJson(const TaskCsvPreview& preview) {

@@ -77,12 +77,8 @@ QCoro::Task<CommandReply> WindowCommands::run(CommandRequest request) {
   // An edit as of another time needs a store whose clock stands at that time.
   const bool windowServes =
       command.access == Access::upkeep || (prefix == window_.prefix() && !(*at && command.access == Access::edits));
-  if (windowServes) co_return reply(co_await runOnWindow(*line, context), &command);
+  if (windowServes) co_return reply(co_await runCommand(&command, context, line->arguments), &command);
   co_return reply(co_await runBeside(*line, context, prefix), &command);
-}
-
-QCoro::Task<CommandResult> WindowCommands::runOnWindow(CommandLine line, CommandContext context) {
-  co_return co_await line.command->run(context, line.arguments);
 }
 
 QCoro::Task<CommandResult> WindowCommands::runBeside(CommandLine line, CommandContext context, std::string prefix) {
@@ -104,7 +100,7 @@ QCoro::Task<CommandResult> WindowCommands::runBeside(CommandLine line, CommandCo
   co_await other->store.reloadForUser(prefix);
   context.store = &other->store;
   context.inWindow = false;
-  CommandResult result = co_await line.command->run(context, line.arguments);
+  CommandResult result = co_await runCommand(line.command, context, line.arguments);
   if (edits && prefix == window_.prefix()) co_await window_.reloadForUser(prefix);
   co_return result;
 }

@@ -30,7 +30,6 @@ class WindowCommands : public QObject {
   void freed();
 
  private:
-  QCoro::Task<CommandResult> runOnWindow(CommandLine line, CommandContext context);
   QCoro::Task<CommandResult> runBeside(CommandLine line, CommandContext context, std::string prefix);
   QCoro::Task<std::expected<void, CommandResult>> windowSaved();
 
