@@ -76,15 +76,16 @@ class Fleet {
     if (!opened) stop(opened.error().message);
     cache_ = std::move(*opened);
     std::vector<std::string> records;
+    records.reserve(size);
     for (std::size_t n = 0; n < size; ++n) {
       ids_.push_back(Uuid::random());
       records.push_back(taskJson(ids_.back(), 0));
     }
-    wait([&](auto done) { cache_->replaceAll("user", {{"_tasks", std::move(records)}}, done); });
+    wait([&](const auto& done) { cache_->replaceAll("user", {{"_tasks", std::move(records)}}, done); });
   }
 
   void edit() {
-    wait([this](auto done) { cache_->append(nextEdit(), done); });
+    wait([this](const auto& done) { cache_->append(nextEdit(), done); });
   }
   void queueEdit() {
     cache_->append(nextEdit(), [](const auto&) {});
@@ -93,7 +94,7 @@ class Fleet {
   void markAllSent() {
     std::vector<SentRecord> sent;
     for (const Uuid& id : ids_) sent.push_back({"_tasks", id, static_cast<Revision>(version_) + 1'000'000});
-    wait([&](auto done) { cache_->markSent("user", std::move(sent), done); });
+    wait([&](const auto& done) { cache_->markSent("user", std::move(sent), done); });
   }
   template <class Meanwhile>
   void foldWhile(Meanwhile meanwhile) {

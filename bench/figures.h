@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -26,7 +27,7 @@ class Samples {
   double percentile(double share) const {
     if (values_.empty()) return 0;
     std::vector<double> sorted = values_;
-    const auto at = static_cast<std::size_t>(share * static_cast<double>(sorted.size() - 1) + 0.5);
+    const auto at = static_cast<std::size_t>(std::lround(share * static_cast<double>(sorted.size() - 1)));
     std::nth_element(sorted.begin(), sorted.begin() + static_cast<std::ptrdiff_t>(at), sorted.end());
     return sorted[at];
   }

@@ -21,7 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 using Kind = AttachmentError::Kind;
 
-constexpr std::size_t kChunk = 1024 * 1024;
+constexpr std::size_t kChunk = 1'048'576;
 /// Enough of a file to tell what it is.
 constexpr std::size_t kSniffed = 4096;
 constexpr std::string_view kIncoming = ".incoming";
@@ -165,7 +165,7 @@ std::expected<std::string, AttachmentError> AttachmentStore::settle(Incoming& in
                                                                     std::string_view extension) const {
   if (!isPlainName(bucket)) return failed(Kind::badPath, fmt::format("“{}” is no folder for files.", bucket));
   const std::string suffix = isExtension(extension) ? std::string(extension) : extensionOf(incoming.head());
-  const std::string path = fmt::format("{}/{}.{}", bucket, incoming.name(), suffix);
+  std::string path = fmt::format("{}/{}.{}", bucket, incoming.name(), suffix);
   const fs::path target = root_ / path;
   struct stat there{};
   const bool stored = ::lstat(target.c_str(), &there) == 0 && S_ISREG(there.st_mode) &&

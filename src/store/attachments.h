@@ -26,7 +26,7 @@ struct AttachmentError {
 class AttachmentStore {
  public:
   /// `root` is created when the first file is put.
-  explicit AttachmentStore(std::filesystem::path root, std::uintmax_t max_bytes = 200 * 1024 * 1024)
+  explicit AttachmentStore(std::filesystem::path root, std::uintmax_t max_bytes = 209'715'200)
       : root_(std::move(root)), maxBytes_(max_bytes) {}
 
   /// Keeps bytes. `bucket` is one of the backend's, e.g. "task_photos"; `extension` is without the dot ("jpg"), empty

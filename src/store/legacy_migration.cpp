@@ -121,7 +121,7 @@ bool adopt(LocalCache& cache, const std::string& prefix, const std::string& suff
   const auto elements = splitJsonList(blob);
   if (!elements) {
     logLine(fmt::format("❌ decode failed for {}, key={}, bytes={}", suffix, key, blob.size()));
-    return isDone([&](auto done) { cache.keepCorrupt(key, blob, elements.error().message(), done); });
+    return isDone([&](const auto& done) { cache.keepCorrupt(key, blob, elements.error().message(), done); });
   }
   const auto state = cache.load(prefix);
   if (!state) return false;
@@ -131,14 +131,14 @@ bool adopt(LocalCache& cache, const std::string& prefix, const std::string& suff
     const auto id = Uuid::parse(element.id);
     if (!id) {
       const bool kept =
-          isDone([&](auto done) { cache.keepCorrupt(key, std::string(element.bytes), "no identifier", done); });
+          isDone([&](const auto& done) { cache.keepCorrupt(key, std::string(element.bytes), "no identifier", done); });
       if (!kept) return false;
     } else if (!present.contains(id->toString())) {
       entry.changes.push_back({.suffix = suffix, .id = *id, .before = {}, .after = std::string(element.bytes)});
     }
   }
   if (entry.changes.empty()) return true;
-  return isDone([&](auto done) { cache.append(std::move(entry), done); });
+  return isDone([&](const auto& done) { cache.append(std::move(entry), done); });
 }
 
 }  // namespace

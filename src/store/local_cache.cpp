@@ -225,7 +225,7 @@ void LocalCache::keepCorrupt(std::string key, std::string bytes, std::string rea
         insert.exec();
         return Revision{0};
       },
-      [key, done = std::move(done)](const std::expected<Revision, CacheError>& result) {
+      [key = std::move(key), done = std::move(done)](const std::expected<Revision, CacheError>& result) {
         if (!result)
           qCWarning(logCache, "⚠️ unreadable bytes of %s not set aside: %s", key.c_str(),
                     result.error().message.c_str());

@@ -77,10 +77,10 @@ class LocalCache {
  public:
   struct Options {
     bool create = true;
-    std::size_t segmentBytes = 16 * 1024;  ///< target size of a segment; never four times that, unless one record is
-    std::size_t foldAfterEdits = 4096;     ///< fold when the journal holds this many edits…
-    std::size_t foldAfterBytes = 8 * 1024 * 1024;  ///< …or this many bytes
-    std::chrono::milliseconds foldIdle{2000};      ///< …or when nothing was written for this long and edits are waiting
+    std::size_t segmentBytes = 16'384;       ///< target size of a segment; never four times that, unless one record is
+    std::size_t foldAfterEdits = 4096;       ///< fold when the journal holds this many edits…
+    std::size_t foldAfterBytes = 8'388'608;  ///< …or this many bytes
+    std::chrono::milliseconds foldIdle{2000};  ///< …or when nothing was written for this long and edits are waiting
     std::vector<std::string> neverUploaded{"demo", "local"};  ///< prefixes whose folded edits are dropped at once
   };
   /// Runs on the writer thread; it must not wait for the cache.

@@ -113,7 +113,7 @@ void createLayout(SQLite::Database& database) {
 int systemErrorOf(sqlite3* database) {
   int result = 0;
   sqlite3_file* log = nullptr;
-  sqlite3_file_control(database, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+  sqlite3_file_control(database, "main", SQLITE_FCNTL_JOURNAL_POINTER, static_cast<void*>(&log));
   if (log && log->pMethods) log->pMethods->xFileControl(log, SQLITE_FCNTL_LAST_ERRNO, &result);
   if (result == 0) sqlite3_file_control(database, "main", SQLITE_FCNTL_LAST_ERRNO, &result);
   return result;

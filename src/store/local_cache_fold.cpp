@@ -14,7 +14,7 @@ using SQLite::Transaction;
 using SQLite::TransactionBehavior;
 
 /// How much of the journal one step reads.
-constexpr std::size_t kBytesPerStep = 128 * 1024;
+constexpr std::size_t kBytesPerStep = 131'072;
 constexpr int kRowsPerStep = 128;
 /// A segment that grows beyond this multiple of its target is split.
 constexpr std::size_t kSplitFactor = 4;

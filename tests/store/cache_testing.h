@@ -78,11 +78,17 @@ Outcome awaited(Operation operation) {
 
 inline Outcome append(LocalCache& cache, std::vector<EntryChange> changes, std::string prefix = "user") {
   JournalEntry entry{.prefix = std::move(prefix), .at = {}, .label = "Edit", .changes = std::move(changes)};
-  return awaited([&](auto done) { cache.append(std::move(entry), done); });
+  return awaited([&](const auto& done) { cache.append(std::move(entry), done); });
+}
+
+/// As `append`, where nothing stands in the way.
+inline void mustAppend(LocalCache& cache, std::vector<EntryChange> changes, std::string prefix = "user") {
+  const Outcome outcome = append(cache, std::move(changes), std::move(prefix));
+  EXPECT_TRUE(outcome) << outcome.error().message;
 }
 
 inline Outcome fold(LocalCache& cache) {
-  return awaited([&](auto done) { cache.foldNow(done); });
+  return awaited([&](const auto& done) { cache.foldNow(done); });
 }
 
 /// An entry as the user would see it: the records of its segments with the journal replayed over them, in list order.
@@ -106,6 +112,7 @@ inline std::vector<std::string> entryOf(const StoredState& state, const std::str
       }
     }
   std::vector<std::string> records;
+  records.reserve(list.size());
   for (auto& [id, bytes] : list) records.push_back(std::move(bytes));
   return records;
 }

@@ -25,20 +25,24 @@ void prepare(const fs::path& file) {
   const auto cache = opened(file, quiet(512));
   std::vector<std::string> tasks;
   for (std::uint32_t n = 0; n < 60; ++n) tasks.push_back(record(n, "Task"));
-  awaited([&](auto done) { cache->replaceAll("user", {{"_tasks", tasks}, {"_logs", {record(900, "Log")}}}, done); });
-  awaited([&](auto done) { cache->replaceAll("other", {{"_tasks", {record(1, "Theirs")}}}, done); });
-  append(*cache, {renamed(3, "Task", "Renamed"), change(900, "", record(900, "Corrected"), "_logs")});
-  append(*cache, {renamed(20, "Task", std::string(2500, 'g')), renamed(21, "Task", std::string(400, 'h'))});
+  EXPECT_TRUE(awaited([&](const auto& done) {
+    cache->replaceAll("user", {{"_tasks", tasks}, {"_logs", {record(900, "Log")}}}, done);
+  }));
+  EXPECT_TRUE(
+      awaited([&](const auto& done) { cache->replaceAll("other", {{"_tasks", {record(1, "Theirs")}}}, done); }));
+  mustAppend(*cache, {renamed(3, "Task", "Renamed"), change(900, "", record(900, "Corrected"), "_logs")});
+  mustAppend(*cache, {renamed(20, "Task", std::string(2500, 'g')), renamed(21, "Task", std::string(400, 'h'))});
   std::vector<EntryChange> gone;
   for (std::uint32_t n = 30; n < 50; ++n) gone.push_back(deleted(n, "Task"));
-  append(*cache, gone);
-  append(*cache, {deleted(5, "Task")});
-  append(*cache, {added(70, "Before the moved")});
-  append(*cache, {added(5, "Moved"), deleted(59, "Task")});
-  append(*cache, {added(59, "Moved too"), deleted(70, "Before the moved")});
-  for (std::uint32_t n = 100; n < 130; ++n) append(*cache, {added(n, "Added"), change(n, "", record(n, "A"), "_logs")});
-  append(*cache, {renamed(110, "Added", "Added and renamed")});
-  append(*cache, {renamed(1, "Theirs", "Theirs, renamed")}, "other");
+  mustAppend(*cache, gone);
+  mustAppend(*cache, {deleted(5, "Task")});
+  mustAppend(*cache, {added(70, "Before the moved")});
+  mustAppend(*cache, {added(5, "Moved"), deleted(59, "Task")});
+  mustAppend(*cache, {added(59, "Moved too"), deleted(70, "Before the moved")});
+  for (std::uint32_t n = 100; n < 130; ++n)
+    mustAppend(*cache, {added(n, "Added"), change(n, "", record(n, "A"), "_logs")});
+  mustAppend(*cache, {renamed(110, "Added", "Added and renamed")});
+  mustAppend(*cache, {renamed(1, "Theirs", "Theirs, renamed")}, "other");
 }
 
 TEST(Folding, MayStopAfterAnyStep) {
@@ -88,7 +92,7 @@ TEST(Folding, LetsEditsInBetween) {
   auto cache = opened(file, quiet(256));
   std::vector<std::string> tasks;
   for (std::uint32_t n = 0; n < 300; ++n) tasks.push_back(record(n, "Task"));
-  awaited([&](auto done) { cache->replaceAll("user", {{"_tasks", tasks}}, done); });
+  EXPECT_TRUE(awaited([&](const auto& done) { cache->replaceAll("user", {{"_tasks", tasks}}, done); }));
   StoredState expected{.segments = {{"_tasks", {"[]"}}}, .journal = {}, .unsent = {}};
   std::vector<EntryChange> initial;
   for (std::uint32_t n = 0; n < 300; ++n) initial.push_back(added(n, "Task"));
@@ -128,7 +132,7 @@ TEST(Folding, BeginsByItselfWhenTheJournalHasGrown) {
   LocalCache::Options options = quiet();
   options.foldAfterEdits = 10;
   const auto cache = opened(folder / "store.db", options);
-  for (std::uint32_t n = 0; n < 25; ++n) append(*cache, {added(n, "Task")});
+  for (std::uint32_t n = 0; n < 25; ++n) mustAppend(*cache, {added(n, "Task")});
   EXPECT_THAT(cache->load("user")->journal, SizeIs(testing::Lt(25)));
   EXPECT_EQ(entryOf(*cache).size(), 25U);
 }
@@ -136,12 +140,13 @@ TEST(Folding, BeginsByItselfWhenTheJournalHasGrown) {
 TEST(Folding, ReplacingEverythingMeanwhileWins) {
   const ScratchFolder folder;
   const auto cache = opened(folder / "store.db", quiet(128));
-  for (std::uint32_t n = 0; n < 100; ++n) append(*cache, {added(n, "Task")});
+  for (std::uint32_t n = 0; n < 100; ++n) mustAppend(*cache, {added(n, "Task")});
   const auto folded = std::make_shared<std::promise<Outcome>>();
   auto result = folded->get_future();
   cache->foldNow([folded](Outcome outcome) { folded->set_value(std::move(outcome)); });
-  for (std::uint32_t n = 0; n < 5; ++n) append(*cache, {renamed(n, "Task", "Renamed")});
-  const auto replaced = awaited([&](auto done) { cache->replaceAll("user", {{"_tasks", {record(7, "Only")}}}, done); });
+  for (std::uint32_t n = 0; n < 5; ++n) mustAppend(*cache, {renamed(n, "Task", "Renamed")});
+  const auto replaced =
+      awaited([&](const auto& done) { cache->replaceAll("user", {{"_tasks", {record(7, "Only")}}}, done); });
   ASSERT_TRUE(replaced);
   ASSERT_TRUE(result.get());
   ASSERT_TRUE(fold(*cache));
@@ -152,13 +157,14 @@ TEST(Folding, ReplacingEverythingMeanwhileWins) {
 TEST(Folding, ASegmentThatIsNoListIsKeptAsItIs) {
   const ScratchFolder folder;
   const auto file = folder / "store.db";
-  awaited([cache = opened(file)](auto done) { cache->replaceAll("user", {{"_tasks", {record(1, "Oil")}}}, done); });
+  EXPECT_TRUE(awaited(
+      [cache = opened(file)](const auto& done) { cache->replaceAll("user", {{"_tasks", {record(1, "Oil")}}}, done); }));
   {
     auto raw = cache_detail::openCacheFile(file, false);
     raw->writer->exec("UPDATE segment SET json = '[{\"id\":\"half' WHERE key = 'user_tasks'");
   }
   const auto cache = opened(file);
-  append(*cache, {renamed(1, "Oil", "Engine oil"), added(2, "Belts")});
+  mustAppend(*cache, {renamed(1, "Oil", "Engine oil"), added(2, "Belts")});
   ASSERT_TRUE(fold(*cache));
   EXPECT_THAT(cache->load("user")->segments.at("_tasks"),
               ElementsAre("[{\"id\":\"half", "[" + record(1, "Engine oil") + "," + record(2, "Belts") + "]"));
@@ -167,14 +173,35 @@ TEST(Folding, ASegmentThatIsNoListIsKeptAsItIs) {
   EXPECT_THAT(report.findings, testing::Contains(testing::HasSubstr("user_tasks: the segment at")));
 }
 
+TEST(Folding, TwoProgramsOnOneFileLoseNothing) {
+  const ScratchFolder folder;
+  const auto file = folder / "store.db";
+  const auto first = opened(file, quiet(256));
+  const auto second = opened(file, quiet(256));
+  const auto work = [](LocalCache& cache, std::uint32_t begin) {
+    for (std::uint32_t n = begin; n < begin + 60; ++n) {
+      ASSERT_TRUE(append(cache, {added(n, "Task")}));
+      if (n % 10 == 0) ASSERT_TRUE(fold(cache));
+    }
+  };
+  {
+    const std::jthread other([&] { work(*second, 1000); });
+    work(*first, 1);
+  }
+  EXPECT_THAT(entryOf(*first), SizeIs(120));
+  ASSERT_TRUE(fold(*second));
+  EXPECT_THAT(entryOf(*first), SizeIs(120));
+  EXPECT_TRUE(first->check().sound) << testing::PrintToString(first->check().findings);
+}
+
 TEST(Uploading, EditsWaitUntilEachOfTheirRecordsHasBeenSent) {
   const ScratchFolder folder;
   const auto file = folder / "store.db";
   auto cache = opened(file);
   EntryChange downloaded = added(9, "From another device");
   downloaded.sent = true;
-  append(*cache, {added(1, "Oil"), added(2, "Belts"), downloaded});
-  append(*cache, {renamed(1, "Oil", "Engine oil")});
+  mustAppend(*cache, {added(1, "Oil"), added(2, "Belts"), downloaded});
+  mustAppend(*cache, {renamed(1, "Oil", "Engine oil")});
   const auto unsent = [&] {
     std::vector<std::pair<Revision, Uuid>> waiting;
     for (const JournalEntry& entry : cache->load("user")->unsent)
@@ -184,19 +211,20 @@ TEST(Uploading, EditsWaitUntilEachOfTheirRecordsHasBeenSent) {
   ASSERT_TRUE(fold(*cache));
   EXPECT_THAT(unsent(), ElementsAre(std::pair(1, numbered(1)), std::pair(1, numbered(2)), std::pair(2, numbered(1))));
   // Sent as of the first edit: the second still waits, over a restart too.
-  ASSERT_TRUE(awaited([&](auto done) { cache->markSent("user", "_tasks", numbered(1), 1, done); }));
+  ASSERT_TRUE(awaited([&](const auto& done) { cache->markSent("user", "_tasks", numbered(1), 1, done); }));
   cache.reset();
   cache = opened(file);
   EXPECT_THAT(unsent(), ElementsAre(std::pair(1, numbered(2)), std::pair(2, numbered(1))));
-  append(*cache, {renamed(2, "Belts", "V-belts")});
-  ASSERT_TRUE(awaited(
-      [&](auto done) { cache->markSent("user", {{"_tasks", numbered(1), 2}, {"_tasks", numbered(2), 1}}, done); }));
+  mustAppend(*cache, {renamed(2, "Belts", "V-belts")});
+  ASSERT_TRUE(awaited([&](const auto& done) {
+    cache->markSent("user", {{"_tasks", numbered(1), 2}, {"_tasks", numbered(2), 1}}, done);
+  }));
   EXPECT_THAT(unsent(), IsEmpty());
   ASSERT_TRUE(fold(*cache));
   EXPECT_THAT(unsent(), ElementsAre(std::pair(3, numbered(2))));
   EXPECT_THAT(cache->check().findings, testing::Contains("1 edit in the journal"));
   // Nothing of the demonstration is ever uploaded.
-  append(*cache, {added(1, "Demo")}, "demo");
+  mustAppend(*cache, {added(1, "Demo")}, "demo");
   ASSERT_TRUE(fold(*cache));
   EXPECT_THAT(cache->load("demo")->unsent, IsEmpty());
   EXPECT_THAT(entryOf(*cache, "demo"), ElementsAre(record(1, "Demo")));

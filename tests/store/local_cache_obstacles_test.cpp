@@ -86,7 +86,7 @@ TEST(CacheObstacles, FilesAndFoldersAreForTheUserAlone) {
   const auto file = folder / "data/thalvorn/store.db";
   const mode_t before = ::umask(0);
   const auto cache = opened(file);
-  append(*cache, {added(1, "Oil")});
+  mustAppend(*cache, {added(1, "Oil")});
   ::umask(before);
   EXPECT_EQ(modeOf(folder / "data/thalvorn"), 0700);
   for (const char* ending : {"", "-wal", "-shm"}) EXPECT_EQ(modeOf(file.string() + ending), 0600) << ending;
@@ -121,7 +121,7 @@ TEST(CacheObstacles, DamagedPagesAreReportedAndNothingIsOverwritten) {
   const auto file = folder / "store.db";
   {
     const auto cache = opened(file);
-    for (std::uint32_t n = 0; n < 200; ++n) append(*cache, {added(n, std::string(300, 'x'))});
+    for (std::uint32_t n = 0; n < 200; ++n) mustAppend(*cache, {added(n, std::string(300, 'x'))});
   }
   std::string bytes = contentOf(file);
   ASSERT_GT(bytes.size(), 16384U);
@@ -141,7 +141,7 @@ TEST(CacheObstacles, WhatCannotBeWrittenIsShownAndNotChanged) {
   const ScratchFolder folder;
   const OrdinaryUser user(folder.path());
   const auto file = folder / "store.db";
-  append(*opened(file), {added(1, "Oil")});
+  mustAppend(*opened(file), {added(1, "Oil")});
   const std::string before = contentOf(file);
   const auto expectReadOnly = [&] {
     const auto cache = opened(file);
@@ -171,7 +171,7 @@ TEST(CacheObstacles, AFullDiskRefusesTheEditWholeAndTakesItLater) {
   const std::string large(300'000, 'l');
   {
     const auto cache = opened(file);
-    append(*cache, {added(1, "Oil")});
+    mustAppend(*cache, {added(1, "Oil")});
     {
       const FullDisk full(fs::file_size(file.string() + "-wal") + 20'000);
       const auto refused = append(*cache, {renamed(1, "Oil", "Engine oil"), added(2, large)});
@@ -192,7 +192,7 @@ TEST(CacheObstacles, AFoldOnAFullDiskLeavesTheEditsInTheJournal) {
   const ScratchFolder folder;
   const auto file = folder / "store.db";
   const auto cache = opened(file);
-  for (std::uint32_t n = 1; n <= 50; ++n) append(*cache, {added(n, std::string(2000, 'x'))});
+  for (std::uint32_t n = 1; n <= 50; ++n) mustAppend(*cache, {added(n, std::string(2000, 'x'))});
   const auto list = entryOf(*cache);
   {
     const FullDisk full(fs::file_size(file.string() + "-wal") + 30'000);
@@ -210,14 +210,14 @@ TEST(CacheObstacles, ARecordThatIsNotWellFormedIsRefusedBeforeItIsWritten) {
   const auto cache = opened(folder / "store.db");
   for (const char* broken : {"{\"id\":", "[]", "{} {}", "{\"title\":\"\xff\"}"})
     EXPECT_FALSE(append(*cache, {added(1, "Oil"), change(2, "", broken)})) << broken;
-  EXPECT_FALSE(awaited([&](auto done) { cache->replaceAll("user", {{"_tasks", {"{\"id\":"}}}, done); }));
+  EXPECT_FALSE(awaited([&](const auto& done) { cache->replaceAll("user", {{"_tasks", {"{\"id\":"}}}, done); }));
   EXPECT_THAT(entryOf(*cache), IsEmpty());
 }
 
 TEST(CacheObstacles, AFileOfANewerProgramIsShownAndNotTouched) {
   const ScratchFolder folder;
   const auto file = folder / "store.db";
-  append(*opened(file), {added(1, "Oil")});
+  mustAppend(*opened(file), {added(1, "Oil")});
   execute(file, "PRAGMA user_version=99; PRAGMA journal_mode=DELETE");
   const std::string settled = contentOf(file);
   const auto expectShown = [](const fs::path& path) {

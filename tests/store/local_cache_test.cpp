@@ -34,9 +34,9 @@ TEST(LocalCache, KeepsEditsInOrderOverRestartsAndFolds) {
     EXPECT_THAT(cache->load("user")->journal, IsEmpty());
     EXPECT_THAT(cache->load("user")->unsent, SizeIs(3));
     // Deleted and added again, a record stands at the end.
-    append(*cache, {deleted(1, "Engine oil")});
-    append(*cache, {added(4, "Filters")});
-    append(*cache, {added(1, "Engine oil")});
+    mustAppend(*cache, {deleted(1, "Engine oil")});
+    mustAppend(*cache, {added(4, "Filters")});
+    mustAppend(*cache, {added(1, "Engine oil")});
   }
   const auto cache = opened(file);
   const auto expected = ElementsAre(record(3, "Anodes"), record(4, "Filters"), record(1, "Engine oil"));

@@ -33,11 +33,11 @@ TEST(Backup, IsConsistentWhileInUseAndHoldsNoSessionKeys) {
   const std::string token = "a-session-key-that-must-not-leave";
   cache->setPreference("sb_access_token", token);
   cache->setPreference("thalvorn.appearance", "dark");
-  append(*cache, {added(0, "Task")});
+  mustAppend(*cache, {added(0, "Task")});
   std::jthread busy([&](const std::stop_token& stop) {
     // Both records change in one edit, so a torn copy would show them unequal.
     for (int n = 0; !stop.stop_requested(); ++n)
-      append(*cache, {added(1, std::to_string(n)), added(2, std::to_string(n))});
+      mustAppend(*cache, {added(1, std::to_string(n)), added(2, std::to_string(n))});
   });
   for (int round = 0; round < 5; ++round) {
     const auto written = cache->backup(folder / "copy.db");
@@ -62,7 +62,7 @@ TEST(Backup, IsConsistentWhileInUseAndHoldsNoSessionKeys) {
 TEST(Backup, RefusesPlacesThatAreTaken) {
   const ScratchFolder folder;
   const auto cache = opened(folder / "store.db");
-  append(*cache, {added(1, "Oil")});
+  mustAppend(*cache, {added(1, "Oil")});
   fs::create_directory(folder / "folder");
   EXPECT_FALSE(cache->backup(folder / "folder"));
   EXPECT_FALSE(cache->backup(folder / "store.db"));
@@ -76,9 +76,9 @@ TEST(Restore, BringsTheBackupBackAndKeepsTheOldFile) {
   const auto file = folder / "store.db";
   {
     const auto cache = opened(file);
-    append(*cache, {added(1, "Oil")});
+    mustAppend(*cache, {added(1, "Oil")});
     ASSERT_TRUE(cache->backup(folder / "copy.db"));
-    append(*cache, {added(2, "Belts")});
+    mustAppend(*cache, {added(2, "Belts")});
     // The program still has it open.
     EXPECT_EQ(LocalCache::restore(folder / "copy.db", file).error().kind, CacheError::Kind::locked);
   }
@@ -97,7 +97,7 @@ TEST(Restore, BringsTheBackupBackAndKeepsTheOldFile) {
 TEST(Restore, TakesNothingThatIsNoSoundBackup) {
   const ScratchFolder folder;
   const auto file = folder / "store.db";
-  append(*opened(file), {added(1, "Oil")});
+  mustAppend(*opened(file), {added(1, "Oil")});
   const std::string before = contentOf(file);
   std::ofstream(folder / "text.db") << std::string(4096, 't');
   std::string torn = before;
@@ -116,7 +116,7 @@ TEST(Restore, KeepsADamagedFileWithItsLog) {
   const auto file = folder / "store.db";
   {
     const auto cache = opened(folder / "good.db");
-    append(*cache, {added(1, "Oil")});
+    mustAppend(*cache, {added(1, "Oil")});
     ASSERT_TRUE(cache->backup(folder / "copy.db"));
   }
   std::ofstream(file) << std::string(9000, 'd');
@@ -132,8 +132,10 @@ TEST(Check, TellsWhatIsThereAndWhatIsWrong) {
   const auto file = folder / "store.db";
   {
     const auto cache = opened(file);
-    awaited([&](auto done) { cache->replaceAll("user", {{"_tasks", {record(1, "Oil"), record(2, "Belts")}}}, done); });
-    append(*cache, {added(3, "Anodes")});
+    EXPECT_TRUE(awaited([&](const auto& done) {
+      cache->replaceAll("user", {{"_tasks", {record(1, "Oil"), record(2, "Belts")}}}, done);
+    }));
+    mustAppend(*cache, {added(3, "Anodes")});
     for (int twice = 0; twice < 2; ++twice) cache->keepCorrupt("user_logs", "{\"id\":", "is not a list");
     cache->flush();
     const CacheReport report = cache->check();
@@ -151,7 +153,7 @@ TEST(Check, TellsWhatIsThereAndWhatIsWrong) {
   EXPECT_THAT(report.findings, Contains("user_tasks: the identifier " + numbered(1).toString() + " is there twice"));
   EXPECT_THAT(report.findings, Contains("The edit 1 cannot be read"));
   // An edit that cannot be read stays where it is, whatever is folded after it.
-  append(*cache, {added(4, "Filters")});
+  mustAppend(*cache, {added(4, "Filters")});
   ASSERT_TRUE(fold(*cache));
   EXPECT_THAT(cache->check().findings, Contains("The edit 1 cannot be read"));
 }

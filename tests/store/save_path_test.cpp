@@ -62,7 +62,7 @@ TEST_F(SavePath, CreatingTheFile) {
 }
 
 TEST_F(SavePath, WritingTheEdit) {
-  append(*opened(prepared / "store.db"), {added(1, "Oil")});
+  mustAppend(*opened(prepared / "store.db"), {added(1, "Oil")});
   cutPowerThroughout(
       [](const fs::path& file) {
         const auto cache = LocalCache::open(file, quiet());
@@ -80,8 +80,8 @@ TEST_F(SavePath, WritingTheEdit) {
 
 TEST_F(SavePath, AcknowledgedEditsNeedNoCheckpoint) {
   const auto cache = opened(prepared / "store.db");
-  append(*cache, {added(1, "Oil")});
-  append(*cache, {renamed(1, "Oil", "Engine oil")});
+  mustAppend(*cache, {added(1, "Oil")});
+  mustAppend(*cache, {renamed(1, "Oil", "Engine oil")});
   // What the disk holds at this moment, without anything that closing adds.
   const ScratchFolder image;
   for (const char* ending : {"", "-wal"})
@@ -92,8 +92,8 @@ TEST_F(SavePath, AcknowledgedEditsNeedNoCheckpoint) {
 TEST_F(SavePath, MovingTheLogIntoTheFile) {
   {
     const auto cache = opened(prepared / "work.db");
-    append(*cache, {added(1, "Oil")});
-    append(*cache, {renamed(1, "Oil", "Engine oil"), added(2, "Belts")});
+    mustAppend(*cache, {added(1, "Oil")});
+    mustAppend(*cache, {renamed(1, "Oil", "Engine oil"), added(2, "Belts")});
     for (const char* ending : {"", "-wal"})
       fs::copy_file((prepared / "work.db").string() + ending, (prepared / "store.db").string() + ending);
   }
@@ -107,11 +107,11 @@ TEST_F(SavePath, FoldingTheJournal) {
   std::vector<std::string> expected;
   {
     const auto cache = opened(prepared / "store.db", quiet(256));
-    for (std::uint32_t n = 1; n <= 12; ++n) append(*cache, {added(n, "Task")});
+    for (std::uint32_t n = 1; n <= 12; ++n) mustAppend(*cache, {added(n, "Task")});
     ASSERT_TRUE(fold(*cache));
-    append(*cache, {renamed(2, "Task", "Renamed"), deleted(7, "Task")});
-    append(*cache, {deleted(3, "Task"), added(20, "Added")});
-    append(*cache, {added(3, "Moved"), added(21, std::string(300, 'l')), added(22, "Last")});
+    mustAppend(*cache, {renamed(2, "Task", "Renamed"), deleted(7, "Task")});
+    mustAppend(*cache, {deleted(3, "Task"), added(20, "Added")});
+    mustAppend(*cache, {added(3, "Moved"), added(21, std::string(300, 'l')), added(22, "Last")});
     expected = entryOf(*cache);
   }
   cutPowerThroughout(
@@ -126,14 +126,14 @@ TEST_F(SavePath, FoldingTheJournal) {
 TEST_F(SavePath, ForgettingWhatHasBeenUploaded) {
   {
     const auto cache = opened(prepared / "store.db");
-    append(*cache, {added(1, "Oil")});
-    append(*cache, {added(2, "Belts")});
+    mustAppend(*cache, {added(1, "Oil")});
+    mustAppend(*cache, {added(2, "Belts")});
     ASSERT_TRUE(fold(*cache));
   }
   cutPowerThroughout(
       [](const fs::path& file) {
         const auto cache = LocalCache::open(file, quiet());
-        const auto sent = [&](auto done) { (*cache)->markSent("user", "_tasks", numbered(1), 1, done); };
+        const auto sent = [&](const auto& done) { (*cache)->markSent("user", "_tasks", numbered(1), 1, done); };
         return cache && awaited(sent) && fold(**cache);
       },
       [](LocalCache& cache, bool) {
@@ -165,9 +165,9 @@ TEST_F(SavePath, Preferences) {
 TEST_F(SavePath, WritingABackup) {
   {
     const auto cache = opened(prepared / "store.db");
-    append(*cache, {added(1, "Oil")});
+    mustAppend(*cache, {added(1, "Oil")});
     ASSERT_TRUE(cache->backup(prepared / "copy.db"));
-    append(*cache, {renamed(1, "Oil", "Engine oil"), added(2, "Belts")});
+    mustAppend(*cache, {renamed(1, "Oil", "Engine oil"), added(2, "Belts")});
   }
   fs::path folder;
   cutPowerThroughout(
@@ -190,9 +190,9 @@ TEST_F(SavePath, WritingABackup) {
 TEST_F(SavePath, RestoringABackup) {
   {
     const auto cache = opened(prepared / "store.db");
-    append(*cache, {added(1, "Oil")});
+    mustAppend(*cache, {added(1, "Oil")});
     ASSERT_TRUE(cache->backup(prepared / "copy.db"));
-    append(*cache, {renamed(1, "Oil", "Engine oil"), added(2, "Belts")});
+    mustAppend(*cache, {renamed(1, "Oil", "Engine oil"), added(2, "Belts")});
   }
   // Remains of a restore that was interrupted before.
   std::ofstream(prepared / "store.db.restoring") << "half";
