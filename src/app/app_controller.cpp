@@ -67,6 +67,11 @@ void AppController::setReducedMotion(bool reduced) {
   Q_EMIT reducedMotionChanged();
 }
 
+bool AppController::isSubPage() const {
+  const PageEntry* page = findPage(current_.page);
+  return canGoBack() && (!current_.arguments.isEmpty() || !page || !page->group);
+}
+
 QVariantList AppController::pages() const {
   QVariantList list;
   int number = 0;

@@ -27,6 +27,7 @@ class AppController : public QObject {
   Q_PROPERTY(QString page READ page NOTIFY pageChanged)
   Q_PROPERTY(QVariantMap pageArguments READ pageArguments NOTIFY pageChanged)
   Q_PROPERTY(bool canGoBack READ canGoBack NOTIFY pageChanged)
+  Q_PROPERTY(bool isSubPage READ isSubPage NOTIFY pageChanged)
   Q_PROPERTY(QVariantList pages READ pages CONSTANT)
   Q_PROPERTY(QStringList hiddenModules READ hiddenModules NOTIFY hiddenModulesChanged)
   Q_PROPERTY(QVariantList menus READ menus CONSTANT)
@@ -56,6 +57,8 @@ class AppController : public QObject {
   QString page() const { return current_.page; }
   QVariantMap pageArguments() const { return current_.arguments; }
   bool canGoBack() const { return !history_.empty(); }
+  /// True when the page was come to from another one, not chosen as a module: then it shows the way back.
+  bool isSubPage() const;
 
   /// All pages: {id, title, icon, group, source, inSidebar, shortcut}.
   QVariantList pages() const;

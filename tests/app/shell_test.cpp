@@ -73,12 +73,14 @@ TEST(Navigation, GoesBackThroughPagesWithTheirArguments) {
   app.open(QStringLiteral("taskLibrary"), task);
   app.post(QStringLiteral("openManageVessels"));
   EXPECT_EQ(app.page(), QStringLiteral("vessels"));
+  EXPECT_FALSE(app.isSubPage()) << "a module of its own";
   EXPECT_EQ(posted, std::vector{QStringLiteral("openManageVessels")});
   app.open(QStringLiteral("vessels"));
   app.open(QStringLiteral("nowhere"));
   app.back();
   EXPECT_EQ(app.page(), QStringLiteral("taskLibrary"));
   EXPECT_EQ(app.pageArguments(), task);
+  EXPECT_TRUE(app.isSubPage()) << "come to for one task";
   app.back();
   EXPECT_EQ(app.page(), QStringLiteral("home"));
   EXPECT_FALSE(app.canGoBack());

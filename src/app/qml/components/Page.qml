@@ -66,7 +66,7 @@ FocusScope {
             spacing: Theme.space3
 
             IconButton {
-                visible: App.canGoBack
+                visible: App.isSubPage
                 iconName: "arrow-left"
                 tip: "Back (Alt+Left)"
                 implicitWidth: 32

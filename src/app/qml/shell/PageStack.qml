@@ -14,6 +14,13 @@ FocusScope {
         return null;
     }
 
+    Keys.onEscapePressed: (event) => {
+        if (App.isSubPage)
+            App.back();
+        else
+            event.accepted = false;
+    }
+
     Repeater {
         id: repeater
         model: App.pages
