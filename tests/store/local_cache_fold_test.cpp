@@ -120,7 +120,7 @@ TEST(Folding, LetsEditsInBetween) {
     ASSERT_TRUE(result.get());
     ASSERT_EQ(entryOf(*cache), entryOf(expected));
   }
-  EXPECT_GT(between, 100);
+  EXPECT_GT(between, 10);  // how many more depends on how busy the machine is
   cache.reset();
   cache = opened(file);
   EXPECT_EQ(entryOf(*cache), entryOf(expected));
