@@ -20,6 +20,15 @@ Page {
     ]
     help: Component { AppText { text: "Shows how the parts of the program look."; wrapMode: Text.Wrap } }
 
+    onSearchEdited: (text) => {
+        const words = text.toLowerCase();
+        for (const part of column.children) {
+            if ((part.title ?? part.name ?? "").toLowerCase().includes(words)) {
+                flick.contentY = Math.min(part.y, Math.max(0, flick.contentHeight - flick.height));
+                return;
+            }
+        }
+    }
     onPosted: (name) => {
         if (name === "newRecord")
             sheet.open();
