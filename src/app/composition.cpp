@@ -140,7 +140,7 @@ void Composition::makeControllers() {
   app_->setProblem(problem_);
   if (session_) {
     fleet_ = std::make_unique<FleetController>(session_->model(), *notices_);
-    search_->addSource(recordSearch(session_->model()));
+    search_->addScan(recordScan(session_->model()));
     recordPages_ = std::make_unique<RecordPages>(*session_, *preferences_, *app_, *format_);
     connect(&recordPages_->settings(), &Settings::restoreRequested, this, [this](const QString& backup) {
       restoreFrom_ = backup;

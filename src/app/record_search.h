@@ -8,7 +8,11 @@ class AppViewModel;
 
 namespace thalvorn::app {
 
-/// Vessels, tasks and service history of the open fleet, for the global search.
+/// Vessels, tasks and service history of the open fleet, found at once; for the desktop's search.
 SearchSource recordSearch(const AppViewModel& model);
+
+/// The same and the templates of the catalogue, found little by little so that a long list never holds up a frame; for
+/// the window's search.
+SearchScan recordScan(const AppViewModel& model);
 
 }  // namespace thalvorn::app

@@ -57,9 +57,14 @@ SearchSource pagesAndCommands() {
   };
 }
 
-SearchModel::SearchModel(QObject* parent) : QAbstractListModel(parent) {}
+SearchModel::SearchModel(QObject* parent) : QAbstractListModel(parent) {
+  next_.setSingleShot(true);
+  connect(&next_, &QTimer::timeout, this, &SearchModel::scanOn);
+}
 
 void SearchModel::addSource(SearchSource source) { sources_.push_back(std::move(source)); }
+
+void SearchModel::addScan(SearchScan scan) { scans_.push_back(std::move(scan)); }
 
 void SearchModel::setWords(const QString& words) {
   beginResetModel();
@@ -69,6 +74,32 @@ void SearchModel::setWords(const QString& words) {
     std::ranges::move(source(words_, kHitsPerSource), std::back_inserter(hits_));
   endResetModel();
   Q_EMIT wordsChanged();
+  Q_EMIT countChanged();
+  running_ = 0;
+  startScan();
+  scanOn();
+}
+
+void SearchModel::startScan() {
+  step_ = running_ < scans_.size() && !words_.isEmpty() ? scans_[running_](words_, kHitsPerSource) : SearchStep();
+  Q_EMIT busyChanged();
+}
+
+void SearchModel::scanOn() {
+  if (!step_) return;
+  std::vector<SearchHit> found;
+  const bool through = step_(found);
+  if (!found.empty()) {
+    beginInsertRows({}, count(), count() + static_cast<int>(found.size()) - 1);
+    std::ranges::move(found, std::back_inserter(hits_));
+    endInsertRows();
+    Q_EMIT countChanged();
+  }
+  if (through) {
+    ++running_;
+    startScan();
+  }
+  if (step_) next_.start();
 }
 
 int SearchModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : count(); }

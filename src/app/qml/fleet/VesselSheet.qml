@@ -48,6 +48,7 @@ FormSheet {
         }
         ColumnLayout {
             spacing: Theme.space1
+            Layout.fillWidth: false
             Layout.alignment: Qt.AlignTop
             VesselPhoto { source: root.sheet ? root.sheet.photo : ""; implicitWidth: 176; implicitHeight: 108 }
             RowLayout {

@@ -16,8 +16,9 @@ Page {
     onOpened: (args) => {
         if (args.highlight)
             chosenId = args.highlight;
-        else if (!chosenId && split.beside)
-            chosenId = Fleet.selectedVesselId;
+        else
+            chooseFirst();
+        Qt.callLater(() => list.forceActiveFocus());
     }
     help: Component {
         AppText {
@@ -26,6 +27,11 @@ Page {
         }
     }
 
+    // Where the detail has a place of its own it shows the vessel in view from the start.
+    function chooseFirst() {
+        if (!chosenId && split.beside)
+            chosenId = Fleet.selectedVesselId;
+    }
     function edit(id) {
         App.openSheet("fleet/VesselSheet.qml", { vesselId: id });
     }
@@ -46,6 +52,7 @@ Page {
         anchors.fill: parent
         focus: true
         detailWidth: 420
+        onBesideChanged: root.chooseFirst()
         open: root.chosenId !== ""
         detailTitle: pane.about.name ?? "Vessel"
         onClosed: { root.chosenId = ""; list.forceActiveFocus(); }
@@ -81,6 +88,10 @@ Page {
                         currentIndex = VesselList.rowOf(id);
                     } else if (taken && (event.key === Qt.Key_Return || event.key === Qt.Key_Enter))
                         root.edit(id);
+                    else if (taken && event.key === Qt.Key_Home)
+                        currentIndex = 0;
+                    else if (taken && event.key === Qt.Key_End)
+                        currentIndex = count - 1;
                     else if (taken && event.key === Qt.Key_Delete)
                         root.askDelete(id);
                     else
@@ -207,11 +218,13 @@ Page {
         property string typed
         property bool needsName: false
         canConfirm: !needsName || VesselList.isNameOf(vesselId, typed)
+        onOpened: if (needsName) nameField.forceFocus()
         onConfirmed: {
             root.chosenId = "";
             VesselList.remove(vesselId);
         }
         TextInputField {
+            id: nameField
             visible: deletion.needsName
             label: "Vessel name"
             placeholder: VesselList.describe(deletion.vesselId).name ?? ""

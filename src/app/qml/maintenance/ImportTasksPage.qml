@@ -13,6 +13,7 @@ Page {
         SecondaryButton { text: "Load sample"; onClicked: TaskImport.loadSample() },
         SecondaryButton { text: "Choose file…"; iconName: "file-csv"; onClicked: chooser.open() }
     ]
+    onOpened: Qt.callLater(area.forceFocus)
     onPosted: (name) => { if (name === "newRecord") chooser.open(); }
     help: Component {
         AppText {
@@ -138,13 +139,13 @@ Page {
                         role: "title"
                         share: 2
                         minimum: 150
-                        cell: Component { TwoLineCell { text: row.title ?? ""; second: row.problems || row.notes || ""; ink: row.valid ? Theme.ink : Theme.mute; secondInk: row.problems ? Theme.soon : Theme.mute } }
+                        cell: Component { TwoLineCell { text: row?.title ?? ""; second: row?.problems || row?.notes || ""; ink: row?.valid ? Theme.ink : Theme.mute; secondInk: row?.problems ? Theme.soon : Theme.mute } }
                     }
                     TableColumn { title: "Category"; role: "category"; share: 0.9; minimum: 90 }
                     TableColumn { title: "Due"; role: "due"; width: 120; hideBelow: 760 }
                     TableColumn { title: "Every"; role: "interval"; width: 130; hideBelow: 620 }
                     TableColumn { title: "Meter"; role: "meter"; width: 92; muted: true; hideBelow: 520 }
-                    TableColumn { width: 76; cell: Component { BadgeCell { text: row.valid ? "Valid" : "Skipped"; tone: row.valid ? "ok" : "soon" } } }
+                    TableColumn { width: 76; cell: Component { BadgeCell { text: row?.valid ? "Valid" : "Skipped"; tone: row?.valid ? "ok" : "soon" } } }
                 }
             }
         }

@@ -47,6 +47,10 @@ Page {
         chosenId = id;
         Qt.callLater(() => { if (ServiceHistory.detailed) cards.showId(id); else table.showId(id); });
     }
+    function chooseFirst() {
+        if (!ServiceHistory.detailed && services.active && split.beside && services.rowOf(chosenId ?? "") < 0)
+            table.select(0);
+    }
     function showMenu(id, x, y) {
         rowMenu.serviceId = id;
         rowMenu.popup(root, x, y);
@@ -58,10 +62,7 @@ Page {
     // Where the detail has a place of its own it shows the latest service from the start.
     Connections {
         target: root.services
-        function onRefreshed() {
-            if (root.services.active && split.beside && root.services.rowOf(root.chosenId ?? "") < 0)
-                Qt.callLater(() => table.select(0));
-        }
+        function onRefreshed() { Qt.callLater(root.chooseFirst); }
     }
     Binding { target: root.services; property: "active"; value: root.current && root.visible }
 
@@ -105,6 +106,7 @@ Page {
             Layout.fillHeight: true
             open: root.chosenId !== undefined && pane.shown
             detailTitle: pane.service.title ?? "Service"
+            onBesideChanged: Qt.callLater(root.chooseFirst)
             onClosed: { root.chosenId = undefined; table.selectedId = undefined; table.focusList(); }
             list: DataTable {
                 id: table
@@ -131,9 +133,9 @@ Page {
                     } else
                         App.open("maintenance");
                 }
-                TableColumn { title: "Done on"; sortKey: "date"; width: 104; cell: Component { TextCell { text: row.date ?? "" } } }
-                TableColumn { title: "Task"; role: "title"; sortKey: "task"; share: 2.4; minimum: 170; cell: Component { TwoLineCell { text: row.title ?? ""; second: row.notes ?? "" } } }
-                TableColumn { title: "Category"; sortKey: "category"; share: 1; minimum: 90; hideBelow: 640; cell: Component { TwoLineCell { variant: "body"; text: row.category ?? ""; second: row.kind ?? "" } } }
+                TableColumn { title: "Done on"; sortKey: "date"; width: 104; cell: Component { TextCell { text: row?.date ?? "" } } }
+                TableColumn { title: "Task"; role: "title"; sortKey: "task"; share: 2.4; minimum: 170; cell: Component { TwoLineCell { text: row?.title ?? ""; second: row?.notes ?? "" } } }
+                TableColumn { title: "Category"; sortKey: "category"; share: 1; minimum: 90; hideBelow: 640; cell: Component { TwoLineCell { variant: "body"; text: row?.category ?? ""; second: row?.kind ?? "" } } }
                 TableColumn { title: "Meter"; width: 82; alignRight: true; muted: true; hideBelow: 560; role: "hours" }
                 TableColumn { title: "Done by"; role: "person"; sortKey: "person"; share: 0.9; minimum: 90; hideBelow: 740; muted: true }
                 TableColumn { title: "Cost"; sortKey: "cost"; width: 92; alignRight: true; strong: true; role: "total" }
@@ -145,8 +147,8 @@ Page {
                             Row {
                                 anchors.centerIn: parent
                                 spacing: 4
-                                Icon { visible: (row.photos ?? 0) > 0; name: "image"; size: 15; color: Theme.mute }
-                                Icon { visible: row.corrected === true; name: "pencil-simple"; size: 15; color: Theme.soon }
+                                Icon { visible: (row?.photos ?? 0) > 0; name: "image"; size: 15; color: Theme.mute }
+                                Icon { visible: row?.corrected === true; name: "pencil-simple"; size: 15; color: Theme.soon }
                             }
                         }
                     }

@@ -67,16 +67,16 @@ Page {
                                 anchors.verticalCenter: parent.verticalCenter
                                 width: 22
                                 focusPolicy: Qt.NoFocus
-                                checked: parent.row.chosen === true
-                                Accessible.name: "Select " + (parent.row.title ?? "")
-                                onToggled: TemplateLibrary.toggle(parent.row.id)
+                                checked: parent.row?.chosen === true
+                                Accessible.name: "Select " + (parent.row?.title ?? "")
+                                onToggled: TemplateLibrary.toggle(parent.row?.id)
                             }
                         }
                     }
                 }
-                TableColumn { title: "Task"; role: "title"; share: 2.2; minimum: 190; cell: Component { TwoLineCell { text: row.title ?? ""; second: row.notes ?? "" } } }
-                TableColumn { title: "Interval"; width: 178; cell: Component { TwoLineCell { variant: "body"; text: row.interval ?? ""; second: row.proposed ?? "" } } }
-                TableColumn { width: 108; hideBelow: 520; cell: Component { BadgeCell { text: row.remark ?? ""; tone: row.remark === "Not fitted" ? "soon" : "" } } }
+                TableColumn { title: "Task"; role: "title"; share: 2.2; minimum: 190; cell: Component { TwoLineCell { text: row?.title ?? ""; second: row?.notes ?? "" } } }
+                TableColumn { title: "Interval"; width: 204; cell: Component { TwoLineCell { variant: "body"; text: row?.interval ?? ""; second: row?.proposed ?? "" } } }
+                TableColumn { width: 108; hideBelow: 520; cell: Component { BadgeCell { text: row?.remark ?? ""; tone: row?.remark === "Not fitted" ? "soon" : "" } } }
             }
         }
 

@@ -49,7 +49,7 @@ ModalBase {
             model: Search
             boundsBehavior: Flickable.StopAtBounds
             highlightMoveDuration: 0
-            onCountChanged: currentIndex = 0
+            onCountChanged: if (currentIndex < 0) currentIndex = 0
             T.ScrollBar.vertical: AppScrollBar {}
             section.property: "group"
             section.delegate: Text {
@@ -95,7 +95,7 @@ ModalBase {
             }
         }
         AppText {
-            visible: list.count === 0
+            visible: list.count === 0 && !Search.busy
             anchors.horizontalCenter: parent.horizontalCenter
             y: 96
             text: "Nothing found for “" + Search.words + "”"
