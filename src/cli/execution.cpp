@@ -67,10 +67,10 @@ CommandResult runInThisProcess(const CommandLine& line, const Surroundings& surr
 
   auto cache = LocalCache::open(surroundings.storeFile, {.create = command.createsStore});
   if (!cache) return refused(cache.error().message);
-  // Whoever opens the store only to look at it leaves tidying up to those who stay longer.
   AppViewModel store(**cache, fixed);
   context.store = &store;
   if (command.access != Access::upkeep) store.reloadNow(choosePrefix(**cache, line));
+  if (!store.loadProblem().empty()) return refused(store.loadProblem());
   return QCoro::waitFor(runCommand(&command, context, line.arguments));
 }
 

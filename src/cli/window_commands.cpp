@@ -74,6 +74,8 @@ QCoro::Task<CommandReply> WindowCommands::run(CommandRequest request) {
     const auto loaded = co_await qCoro(&window_, &AppViewModel::reloaded, kPatience);
     if (!loaded) co_return reply(refused("The window is still reading its records. Try again later."), &command);
   }
+  if (command.access != Access::upkeep && !window_.loadProblem().empty())
+    co_return reply(refused(window_.loadProblem()), &command);
   // An edit as of another time needs a store whose clock stands at that time.
   const bool windowServes =
       command.access == Access::upkeep || (prefix == window_.prefix() && !(*at && command.access == Access::edits));
@@ -98,6 +100,7 @@ QCoro::Task<CommandResult> WindowCommands::runBeside(CommandLine line, CommandCo
   }
   const std::unique_ptr<OtherFleet, DeleteLater> other(new OtherFleet(window_.cache(), context.now, context.calendar));
   co_await other->store.reloadForUser(prefix);
+  if (!other->store.loadProblem().empty()) co_return refused(other->store.loadProblem());
   context.store = &other->store;
   context.inWindow = false;
   CommandResult result = co_await runCommand(line.command, context, line.arguments);

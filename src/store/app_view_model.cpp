@@ -171,7 +171,8 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
   undoable_.clear();
   qCInfo(storeLog, "🔄 %zu vessels from key %s_vessels", vessels().size(), prefix.c_str());
   if (!ismRecords().empty()) qCInfo(storeLog, "📂 ISM load: count=%zu", ismRecords().size());
-  if (!loaded.problem.empty()) qCWarning(storeLog, "❌ load failed: %s", loaded.problem.c_str());
+  loadProblem_ = std::move(loaded.problem);
+  if (!loadProblem_.empty()) qCWarning(storeLog, "❌ load failed: %s", loadProblem_.c_str());
 
   const auto stored = cache_.preference(selectedVesselKey(prefix));
   selectedVessel_ = stored ? Uuid::parse(*stored) : std::nullopt;

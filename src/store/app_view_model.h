@@ -110,6 +110,8 @@ class AppViewModel : public QObject {
   QCoro::Task<void> reloadForUser(std::string prefix);
   /// The same, finished before it returns; for the command line.
   void reloadNow(std::string prefix);
+  /// Why the records in memory are not all there are: the file could not be read. Empty while all is well.
+  const std::string& loadProblem() const { return loadProblem_; }
   /// Forgets what is in memory and shows nobody's records.
   void clear();
 
@@ -236,6 +238,7 @@ class AppViewModel : public QObject {
   std::deque<Pending> pending_;
   bool saving_ = false;
   std::string saveProblem_;
+  std::string loadProblem_;
   QTimer retryTimer_;
   std::deque<Edit> undoable_;
   std::unordered_map<std::string, Revision> dirty_;  ///< by suffix + id

@@ -40,7 +40,7 @@ class CliTest(unittest.TestCase):
         got, out, err = self.run_cli(*words, input=input)
         self.assertEqual((got, out), (status, ""), err)
         self.assertIn(says, err)
-        self.assertTrue(err.startswith("thalvorn-cli: "), err)
+        self.assertRegex(err, "(?m)^thalvorn-cli: ")
         self.assertEqual("usage: thalvorn-cli" in err, status == 2, err)
 
     def put(self, collection, record):

@@ -73,12 +73,17 @@ class StoreTest(CliTest):
         status, out, err = self.run_cli("check")
         self.assertEqual((status, "demo_tasks" in out, "not sound" in err), (1, True, True), out)
         self.assertEqual(self.names(), ["M/Y Meridian"])
-        bytes_before = self.store.read_bytes()
+        self.done("demo")
+        damaged = bytearray(self.store.read_bytes())
+        damaged[100_000:-100_000] = bytes(len(damaged) - 200_000)
+        self.store.write_bytes(damaged)
+        for words in (["list", "tasks"], ["board"], ["put", "vessels"]):
+            self.fails(1, *words, input={"name": "x"}, says="damaged")
+        self.assertEqual(self.run_cli("check")[0], 1)
         self.store.write_bytes(b"garbage" * 1000)
         for words in (["check"], ["list", "vessels"], ["put", "vessels"]):
             self.fails(1, *words, input={"name": "x"}, says=str(self.store))
         self.assertEqual(self.store.read_bytes(), b"garbage" * 1000)
-        self.store.write_bytes(bytes_before)
 
     def test_commands_at_once_take_turns(self):
         started = [self.start("put", "vessels") for _ in range(8)]
