@@ -18,7 +18,7 @@ Page {
             chosenId = args.highlight;
         else
             chooseFirst();
-        Qt.callLater(() => list.forceActiveFocus());
+        list.forceActiveFocus();
     }
     help: Component {
         AppText {
