@@ -141,6 +141,8 @@ void Composition::makeControllers() {
   if (session_) {
     fleet_ = std::make_unique<FleetController>(session_->model(), *notices_);
     search_->addScan(recordScan(session_->model()));
+    maintenance_ = std::make_unique<MaintenanceController>(session_->model(), session_->attachments(), *format_, *app_,
+                                                           *preferences_);
     recordPages_ = std::make_unique<RecordPages>(*session_, *preferences_, *app_, *format_);
     connect(&recordPages_->settings(), &Settings::restoreRequested, this, [this](const QString& backup) {
       restoreFrom_ = backup;
@@ -164,6 +166,7 @@ void Composition::registerForQml() {
   registerSingleton("Notices", notices_.get());
   registerSingleton("Search", search_.get());
   registerSingleton("Fleet", fleet_.get());
+  registerSingleton("Maintenance", maintenance_.get());
   if (recordPages_) recordPages_->registerForQml();
 }
 

@@ -11,6 +11,7 @@
 #include "app/desktop_services.h"
 #include "app/fleet_controller.h"
 #include "app/format.h"
+#include "app/maintenance/maintenance_controller.h"
 #include "app/notices.h"
 #include "app/options.h"
 #include "app/record_pages.h"
@@ -75,6 +76,7 @@ class Composition : public QObject {
   std::unique_ptr<Notices> notices_;
   std::unique_ptr<FleetController> fleet_;
   std::unique_ptr<SearchModel> search_;
+  std::unique_ptr<MaintenanceController> maintenance_;
   std::unique_ptr<RecordPages> recordPages_;
   std::unique_ptr<WindowMemory> memory_;
   std::unique_ptr<DesktopServices> services_;

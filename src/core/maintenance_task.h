@@ -56,7 +56,7 @@ struct RecordFacts<MaintenanceTask> {
       FieldFacts{.name = "category", .label = "Category", .required = true},
       FieldFacts{.name = "triggerType", .label = "Falls due"},
       FieldFacts{.name = "hourSource", .label = "Hour meter"},
-      FieldFacts{.name = "dueDate", .label = "Due date"},
+      FieldFacts{.name = "dueDate", .label = "Due date", .entry = FieldEntry::dateOnly},
       FieldFacts{.name = "recurringDays",
                  .label = "Repeat every",
                  .unit = "days",

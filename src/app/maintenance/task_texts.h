@@ -4,15 +4,15 @@
 #include <QVariant>
 #include <string_view>
 
+#include "app/status_tone.h"
+#include "app/text.h"
 #include "core/maintenance_task.h"
 #include "core/task_status.h"
 
 /// Words, tones and icons for tasks as the maintenance screens show them.
 namespace thalvorn::app {
 
-inline QString fromUtf8(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
+inline QString fromUtf8(std::string_view text) { return toQt(text); }
 inline QString idText(const Uuid& id) { return fromUtf8(id.toString()); }
 
 /// "Overdue", "Due soon", "On track" …; "Snoozed" while it is silenced.

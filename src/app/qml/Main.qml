@@ -131,6 +131,7 @@ T.ApplicationWindow {
             case "openStatusHelp": help.showStatus(); break;
             case "openShortcuts": shortcuts.open(); break;
             case "openAbout": about.open(); break;
+            case "openHoursEditor": if (Maintenance.hasVessel) App.openSheet("maintenance/HoursSheet.qml"); break;
             case "goBack": App.back(); break;
             case "undoRequested": if (!Fleet.undoLast()) App.toast("There is nothing to undo.", ""); break;
             case "appearanceSystem": App.appearance = "system"; break;

@@ -5,6 +5,7 @@ import Thalvorn
 // A table over a list model of any length. Only visible rows exist; they are reused while scrolling.
 // Columns are TableColumn children. A model with the roles isSection, sectionTitle, sectionCount and sectionCollapsed
 // (GroupedRows) shows headings that fold. Arrow keys, Page, Home, End and Enter work; Left and Right fold a heading.
+// Space does what Enter does, unless the owner sets `marks` to give it a meaning of its own.
 FocusScope {
     id: root
 
@@ -18,6 +19,7 @@ FocusScope {
     property string idRole: "id"
     property var selectedId
     property bool selectable: true
+    property bool marks: false
     property alias currentIndex: view.currentIndex
     property alias count: view.count
     property alias view: view
@@ -31,6 +33,8 @@ FocusScope {
     signal sortRequested(string key, bool descending)
     signal selected(var row)
     signal activated(var row)
+    signal marked(var row)
+    signal tapped(var row)
     signal contextRequested(var row, real x, real y)
     signal deleteRequested(var row)
     signal emptyActivated()
@@ -229,7 +233,7 @@ FocusScope {
             case Qt.Key_Return:
             case Qt.Key_Enter:
             case Qt.Key_Space:
-                if (section) root.fold(currentIndex, !row.sectionCollapsed); else if (row) root.activated(row); else taken = false;
+                if (section) root.fold(currentIndex, !row.sectionCollapsed); else if (row && root.marks && event.key === Qt.Key_Space) root.marked(row); else if (row) root.activated(row); else taken = false;
                 break;
             case Qt.Key_Delete: if (row && !section) root.deleteRequested(row); else taken = false; break;
             case Qt.Key_Menu: if (row && !section) root.contextRequested(row, 40, view.currentItem.y - view.contentY + header.height + root.rowHeight); else taken = false; break;
@@ -287,6 +291,8 @@ FocusScope {
                         return;
                     }
                     root.select(line.index);
+                    if (button === Qt.LeftButton)
+                        root.tapped(line.row);
                     if (button === Qt.RightButton) {
                         const place = line.mapToItem(root, point.position.x, point.position.y);
                         root.contextRequested(line.row, place.x, place.y);

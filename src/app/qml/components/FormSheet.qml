@@ -15,6 +15,7 @@ ModalBase {
     property bool dirty: false
     property bool canSave: true
     property bool busy: false
+    property bool covered: false  // by another sheet, which has the keys
     property string error
     property int sheetWidth: 760
     property string footNote
@@ -69,7 +70,7 @@ ModalBase {
         Accessible.name: root.title
         Keys.onEscapePressed: root.leave()
 
-        Shortcut { sequences: ["Ctrl+S"]; enabled: root.opened && !discard.opened; onActivated: root.save() }
+        Shortcut { sequences: ["Ctrl+S"]; enabled: root.opened && !discard.opened && !root.covered; onActivated: root.save() }
 
         ColumnLayout {
             anchors.fill: parent

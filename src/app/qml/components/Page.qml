@@ -99,6 +99,7 @@ FocusScope {
             RowLayout {
                 id: actionRow
                 spacing: Theme.space3
+                Layout.fillWidth: false
             }
         }
         Divider { anchors.bottom: parent.bottom; width: parent.width }

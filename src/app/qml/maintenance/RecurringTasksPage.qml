@@ -1,7 +1,12 @@
 import QtQuick
 import Thalvorn
 
-// Recurring tasks.
-Page {
+// The tasks that come again: the vessel's maintenance programme.
+TaskListPage {
     title: "Recurring tasks"
+    tasks: Maintenance.recurring
+    memory: "recurringTasks"
+    repeatShown: true
+    emptyTitle: "No recurring tasks"
+    emptyText: "Planned maintenance with an interval in days or hours repeats by itself once it is completed."
 }

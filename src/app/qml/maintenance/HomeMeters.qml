@@ -1,0 +1,42 @@
+import QtQuick
+import QtQuick.Layouts
+import Thalvorn
+
+// What the hour meters show, and the way to update them.
+Card {
+    id: root
+
+    property var meters: []
+    property string updated
+
+    title: "Hour meters"
+    icon: "gauge"
+    padding: 14
+    spacing: Theme.space1
+
+    GridLayout {
+        columns: root.meters.length > 2 ? 2 : 1
+        columnSpacing: Theme.space3
+        rowSpacing: 2
+        Layout.fillWidth: true
+        Repeater {
+            model: root.meters
+            delegate: RowLayout {
+                required property var modelData
+                spacing: 6
+                Layout.fillWidth: true
+                Layout.preferredWidth: 10
+                Accessible.role: Accessible.StaticText
+                Accessible.name: modelData.label + ": " + modelData.value + " hours"
+                AppText { text: parent.modelData.label; variant: "small"; Layout.fillWidth: true; Accessible.ignored: true }
+                AppText { text: parent.modelData.value; variant: "smallStrong"; color: Theme.ink; tip: false; Accessible.ignored: true }
+            }
+        }
+    }
+    Item { Layout.fillHeight: true }
+    RowLayout {
+        spacing: 5
+        AppText { text: root.updated + " ·"; variant: "small" }
+        LinkButton { text: "Update readings"; implicitHeight: 20; enabled: root.meters.length > 0; onClicked: App.post("openHoursEditor") }
+    }
+}

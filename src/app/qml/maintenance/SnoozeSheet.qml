@@ -1,0 +1,82 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Thalvorn
+
+// Silences a task for a while, changes until when, or ends it.
+FormSheet {
+    id: root
+
+    required property string taskId
+    readonly property var form: Maintenance.snoozeTask(taskId)
+
+    title: form && form.snoozed ? "Change the snooze" : "Snooze this task"
+    subtitle: form ? form.subtitle : ""
+    actionText: "Snooze"
+    actionIcon: "bell-z"
+    footNote: form ? form.untilText : ""
+    error: form ? form.error : "This task was deleted meanwhile."
+    canSave: form !== null && form.message.length === 0
+    onSaveRequested: if (form.save()) close()
+    footer: DangerButton {
+        visible: root.form !== null && root.form.snoozed
+        text: "End the snooze"
+        onClicked: if (root.form.endSnooze()) root.close()
+    }
+
+    AppText {
+        text: "A snoozed task stays on the board but is not counted, and no reminder is raised until it ends. A note says so in the task."
+        color: Theme.mute
+        wrapMode: Text.Wrap
+        Layout.fillWidth: true
+    }
+    GridLayout {
+        columns: 3
+        columnSpacing: Theme.space3
+        rowSpacing: Theme.space3
+        Layout.fillWidth: true
+        Repeater {
+            model: root.form?.periods ?? []
+            delegate: T.RadioButton {
+                id: choice
+                required property var modelData
+                implicitHeight: 56
+                checked: root.form.period === modelData.value
+                focusPolicy: Qt.StrongFocus
+                hoverEnabled: true
+                Layout.fillWidth: true
+                Layout.preferredWidth: 10
+                Accessible.role: Accessible.RadioButton
+                Accessible.name: modelData.text
+                onClicked: {
+                    root.form.period = modelData.value;
+                    checked = Qt.binding(() => root.form.period === modelData.value);
+                }
+                Keys.onReturnPressed: root.save()
+                background: Rectangle {
+                    radius: Theme.radiusControl
+                    color: choice.checked ? Theme.accentBg : choice.hovered ? Theme.hover : Theme.card
+                    border.width: Theme.hairline
+                    border.color: choice.checked ? Theme.accent : Theme.controlLine
+                }
+                Column {
+                    anchors.left: parent.left
+                    anchors.leftMargin: Theme.space3
+                    anchors.verticalCenter: parent.verticalCenter
+                    AppText { text: choice.modelData.text; variant: "medium"; color: choice.checked ? Theme.accent : Theme.ink }
+                    AppText { visible: text.length > 0; text: choice.modelData.detail; variant: "small" }
+                }
+                FocusRing {}
+            }
+        }
+    }
+    DateField {
+        label: "Until"
+        optional: false
+        date: root.form?.until
+        message: root.form?.message || ""
+        onPicked: (date) => { if (date !== undefined) root.form.until = date; }
+        Layout.fillWidth: false
+        Layout.preferredWidth: 260
+    }
+}
