@@ -45,6 +45,7 @@ class Composition : public QObject {
   const QString& restoreFrom() const { return restoreFrom_; }
   const QString& storeFile() const { return storeFile_; }
   bool hasStore() const { return session_ != nullptr; }
+  MaintenanceController& maintenance() { return *maintenance_; }
 
  private:
   void openStore();

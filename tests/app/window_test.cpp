@@ -58,6 +58,7 @@ TEST_F(Window, AMenuCommandReachesThePageInView) {
   press(Qt::Key_N, Qt::ControlModifier);
   ASSERT_EQ(posted.count(), 1);
   EXPECT_EQ(posted.first().first().toString(), QStringLiteral("newRecord"));
+  press(Qt::Key_Escape);
 }
 
 TEST_F(Window, TheMenuBarIsWorkedByKeys) {

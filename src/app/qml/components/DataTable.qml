@@ -195,6 +195,7 @@ FocusScope {
 
     ListView {
         id: view
+        objectName: "taskView"
         anchors.fill: parent
         anchors.topMargin: header.height
         anchors.bottomMargin: root.framed ? 1 : 0
