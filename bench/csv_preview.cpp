@@ -1,5 +1,6 @@
 // The preview of a CSV file of 100,000 lines, beside a naive split at commas and QString::split.
 
+#include <QList>
 #include <QString>
 
 #include "base/csv.h"
