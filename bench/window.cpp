@@ -14,13 +14,11 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <future>
 
 #include "app/composition.h"
 #include "app/options.h"
 #include "figures.h"
-#include "store/app_view_model.h"
-#include "tasks.h"
+#include "fleet_store.h"
 
 using namespace thalvorn;
 
@@ -132,32 +130,6 @@ void runOnce(Start& start, const std::vector<std::string>& command) {
   start.memory = child.memory();
 }
 
-/// A store with a computer-only fleet of `tasks` tasks and as many logs.
-std::filesystem::path makeStore(const std::filesystem::path& folder, std::size_t tasks) {
-  const auto file = folder / (std::to_string(tasks) + ".sqlite");
-  auto cache = LocalCache::open(file).value();
-  const Vessel vessel{.id = Uuid::named(Uuid{}, "vessel"), .name = "M/Y Meridian", .engineHours = 4812.4};
-  std::map<std::string, std::vector<std::string>> lists{{"_vessels", {toJson(vessel)}}};
-  for (const MaintenanceTask& task : bench::makeTasks(tasks, vessel.id, parseTimestamp("2026-11-21").value())) {
-    lists["_tasks"].push_back(toJson(task));
-    ServiceLog log{.id = Uuid::named(vessel.id, "log" + task.id.toString()),
-                   .taskID = task.id,
-                   .vesselID = vessel.id,
-                   .taskTitle = task.title,
-                   .category = task.category,
-                   .completedDate = parseTimestamp("2026-03-14").value(),
-                   .technicianNotes = "Replaced and tested, no leaks found.",
-                   .completedBy = "L. Marchetti"};
-    lists["_logs"].push_back(toJson(log));
-  }
-  std::promise<void> done;
-  cache->replaceAll("local", std::move(lists), [&](const auto&) { done.set_value(); });
-  done.get_future().wait();
-  cache->setPreference("thalvorn.lastFleet", "local");
-  cache->flush();
-  return file;
-}
-
 std::string megabytes(double bytes) {
   char text[32];
   std::snprintf(text, sizeof text, "%.1f MB", bytes / 1e6);
@@ -196,8 +168,8 @@ int main(int argc, char* argv[]) {
 
   const QTemporaryDir folder;
   const std::filesystem::path place(folder.path().toStdString());
-  const std::string full = makeStore(place, kCount).string();
-  const std::string empty = makeStore(place, 0).string();
+  const std::string full = bench::makeStore(place, kCount).string();
+  const std::string empty = bench::makeStore(place, 0).string();
   const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
   const bool chromium = std::filesystem::exists("/usr/bin/chromium");
 
