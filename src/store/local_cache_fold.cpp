@@ -14,8 +14,8 @@ using SQLite::Transaction;
 using SQLite::TransactionBehavior;
 
 /// How much of the journal one step reads.
-constexpr std::size_t kBytesPerStep = 131'072;
-constexpr int kRowsPerStep = 128;
+constexpr std::size_t kBytesPerStep = 65'536;
+constexpr int kRowsPerStep = 32;
 /// A segment that grows beyond this multiple of its target is split.
 constexpr std::size_t kSplitFactor = 4;
 
@@ -34,7 +34,9 @@ int change(SQLite::Database& database, const char* sql, const Values&... values)
 }  // namespace
 
 JournalFold::JournalFold(SQLite::Database& database, const LocalCache::Options& options)
-    : database_(database), options_(options) {
+    : database_(database),
+      options_(options),
+      covering_(database, "SELECT 1 FROM sent WHERE prefix = ? AND suffix = ? AND id = ? AND revision >= ?") {
   Statement query(database_, "SELECT DISTINCT prefix FROM journal");
   while (query.executeStep()) prefixes_.push_back(query.getColumn(0).getString());
   nextPrefix();
@@ -308,9 +310,11 @@ void JournalFold::purgeDropped() {
 
 bool JournalFold::isCovered(const EntryChange& change, Revision revision) {
   if (change.sent) return true;
-  Statement query(database_, "SELECT 1 FROM sent WHERE prefix = ? AND suffix = ? AND id = ? AND revision >= ?");
-  SQLite::bind(query, prefix_, change.suffix, change.id.toString(), revision);
-  return query.executeStep();
+  covering_.reset();
+  SQLite::bind(covering_, prefix_, change.suffix, change.id.toString(), revision);
+  const bool covered = covering_.executeStep();
+  covering_.reset();
+  return covered;
 }
 
 void JournalFold::purgeSent() {
@@ -337,7 +341,12 @@ void JournalFold::purgeSent() {
   }
   if (needless.empty()) return;
   Transaction transaction(database_, TransactionBehavior::IMMEDIATE);
-  for (const Revision revision : needless) change(database_, "DELETE FROM journal WHERE revision = ?", revision);
+  Statement remove(database_, "DELETE FROM journal WHERE revision = ?");
+  for (const Revision revision : needless) {
+    remove.bind(1, revision);
+    remove.exec();
+    remove.reset();
+  }
   transaction.commit();
 }
 

@@ -86,6 +86,7 @@ class JournalFold {
 
   SQLite::Database& database_;
   const LocalCache::Options& options_;
+  SQLite::Statement covering_;
   std::vector<std::string> prefixes_;
   std::string prefix_;
   Phase phase_ = Phase::begin;
