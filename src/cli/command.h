@@ -46,6 +46,8 @@ struct Arguments {
 
   bool has(std::string_view name) const { return options.contains(name); }
   std::optional<std::string> value(std::string_view name) const;
+  /// The value of an option that the command's table makes required.
+  const std::string& required(std::string_view name) const { return options.find(name)->second.front(); }
   std::vector<std::string> values(std::string_view name) const;
 };
 

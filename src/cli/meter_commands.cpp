@@ -45,7 +45,7 @@ QCoro::Task<CommandResult> adjust(CommandContext context, Arguments arguments, M
   if (!meter) co_return misused(meter.error());
   const Uuid id = (*vessel)->id;
   const MeterAdjustment adjustment{
-      .source = meter->first, .hours = meter->second, .reason = arguments.value("--reason").value_or("")};
+      .source = meter->first, .hours = meter->second, .reason = arguments.required("--reason")};
   co_return co_await storedMeters(context, context.store->correctMeter(id, change, adjustment), id, {});
 }
 

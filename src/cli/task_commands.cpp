@@ -163,9 +163,10 @@ QCoro::Task<CommandResult> completeOne(CommandContext context, Arguments argumen
   const Vessel* before = store.vessels().find(vesselID);
   if (before == nullptr) co_return refused("The vessel of this task is not in the fleet.");
   std::string notices;
-  for (const MeterReading& reading : form->readings)
-    if (const auto notice = checkReading(*before, reading.source, *reading.hours, context.now))
-      notices += noticeText(*notice) + "\n";
+  for (const MeterReading& reading : form->readings) {
+    const auto notice = checkReading(*before, reading.source, reading.hours.value_or(0), context.now);
+    if (notice) notices += noticeText(*notice) + "\n";
+  }
 
   const auto saved = co_await whenSaved(context, store.completeTask(taskID, *form));
   if (!saved) co_return saved.error();
@@ -187,7 +188,7 @@ QCoro::Task<CommandResult> completeOne(CommandContext context, Arguments argumen
 QCoro::Task<CommandResult> snooze(CommandContext context, Arguments arguments) {
   const auto task = findTask(*context.store, arguments.operands.front());
   if (!task) co_return task.error();
-  const auto until = readMoment(*arguments.value("--until"), context.calendar);
+  const auto until = readMoment(arguments.required("--until"), context.calendar);
   if (!until) co_return misused(until.error());
   const Uuid id = (*task)->id;
   std::string text = fmt::format("Snoozed “{}” until {}.\n", printable((*task)->title),

@@ -33,6 +33,7 @@ std::expected<std::string, std::string> csvText(const CommandContext& context, c
 
 std::string previewJson(const TaskCsvPreview& preview) {
   std::vector<std::string> rows;
+  rows.reserve(preview.rows.size());
   for (const TaskCsvRow& row : preview.rows) rows.push_back(toJson(row));
   return JsonObject()
              .count("valid", preview.valid)
@@ -65,6 +66,7 @@ QCoro::Task<CommandResult> showTemplates(CommandContext context, Arguments argum
   const auto found = findTemplates(arguments.value("--search").value_or(""), category);
   if (context.json) {
     std::vector<std::string> templates;
+    templates.reserve(found.size());
     for (const TaskTemplate* each : found) templates.push_back(toJson(*each));
     co_return done(jsonLines(templates));
   }
@@ -100,6 +102,7 @@ QCoro::Task<CommandResult> addTemplates(CommandContext context, Arguments argume
   if (!context.json)
     co_return done(fmt::format("Added {} to {}.\n", counted(tasks.size(), "task", "tasks"), printable(name)));
   std::vector<std::string> stored;
+  stored.reserve(tasks.size());
   for (const MaintenanceTask& task : tasks) stored.push_back(toJson(task, JsonFields::full));
   co_return done(jsonLines(stored));
 }

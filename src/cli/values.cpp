@@ -7,6 +7,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <memory>
+#include <span>
 #include <vector>
 
 #include "base/csv.h"
@@ -21,25 +23,26 @@ constexpr double kMostMoney = 1e9;
 
 QString text(std::string_view utf8) { return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size())); }
 
+template <class E>
 struct Alias {
   std::string_view name;
-  std::size_t index;
+  E value;
 };
 
 /// The case that goes by `name`: its stored text, its display text or another name it has.
 template <class E>
-std::optional<E> namedCase(std::string_view name, std::span<const Alias> aliases = {}) {
-  const auto& table = EnumTexts<E>::table;
-  for (std::size_t i = 0; i < table.size(); ++i)
-    if (equalIgnoringCase(name, table[i].raw) || equalIgnoringCase(name, table[i].display)) return static_cast<E>(i);
-  for (const Alias& alias : aliases)
-    if (equalIgnoringCase(name, alias.name)) return static_cast<E>(alias.index);
+std::optional<E> namedCase(std::string_view name, std::span<const Alias<E>> aliases = {}) {
+  for (const E each : allCases<E>())
+    if (equalIgnoringCase(name, rawText(each)) || equalIgnoringCase(name, displayText(each))) return each;
+  for (const Alias<E>& alias : aliases)
+    if (equalIgnoringCase(name, alias.name)) return alias.value;
   return std::nullopt;
 }
 
 template <class E>
 std::string storedNames() {
   std::vector<std::string_view> names;
+  names.reserve(caseCount<E>);
   for (const EnumText& each : EnumTexts<E>::table) names.push_back(each.raw);
   return fmt::format("{}", fmt::join(names, ", "));
 }
@@ -78,8 +81,9 @@ Read<Timestamp> readPeriodEnd(std::string_view written, const Calendar& calendar
 
 Read<double> readNumber(std::string_view written, std::string_view what, double minimum, double maximum) {
   double number = 0;
-  const char* const end = written.data() + written.size();
-  const auto [stopped, problem] = std::from_chars(written.data(), end, number);
+  const char* const begin = std::to_address(written.begin());
+  const char* const end = begin + written.size();
+  const auto [stopped, problem] = std::from_chars(begin, end, number);
   if (written.empty() || stopped != end || (problem != std::errc{} && problem != std::errc::result_out_of_range))
     return std::unexpected(fmt::format("“{}” is not a number for {}; write it like 1234.5.", written, what));
   if (problem == std::errc::result_out_of_range || !std::isfinite(number) || number < minimum || number > maximum)
@@ -89,8 +93,9 @@ Read<double> readNumber(std::string_view written, std::string_view what, double 
 }
 
 Read<HourSource> readHourSource(std::string_view name) {
-  constexpr std::array aliases{Alias{"engine1", 0}, Alias{"gen1", 3}, Alias{"gen2", 4}, Alias{"Gen 1", 3},
-                               Alias{"Gen 2", 4}};
+  using enum HourSource;
+  static constexpr std::array<Alias<HourSource>, 5> aliases{
+      {{"engine1", engine}, {"gen1", generator1}, {"gen2", generator2}, {"Gen 1", generator1}, {"Gen 2", generator2}}};
   if (const auto source = namedCase<HourSource>(name, aliases)) return *source;
   return std::unexpected(fmt::format("There is no meter “{}”; the meters are {}.", name, storedNames<HourSource>()));
 }
@@ -136,17 +141,22 @@ Read<PartUsage> readPart(std::string_view written) {
 }
 
 Read<TaskKind> readKind(std::string_view name) {
-  constexpr std::array aliases{Alias{"plannedMaintenance", 0}, Alias{"deficiencySquawk", 1}};
+  static constexpr std::array<Alias<TaskKind>, 2> aliases{
+      {{"plannedMaintenance", TaskKind::plannedMaintenance}, {"deficiencySquawk", TaskKind::deficiencySquawk}}};
   if (const auto kind = namedCase<TaskKind>(name, aliases)) return *kind;
   return std::unexpected(fmt::format("There is no kind “{}”; the kinds are {}.", name, storedNames<TaskKind>()));
 }
 
 Read<TaskCategory> readCategory(std::string_view name) {
   if (const auto category = namedCase<TaskCategory>(name)) return *category;
+  std::vector<TaskCategory> found;
   std::vector<std::string_view> begun;
-  for (const EnumText& each : EnumTexts<TaskCategory>::table)
-    if (!name.empty() && startsIgnoringCase(each.raw, name)) begun.push_back(each.raw);
-  if (begun.size() == 1) return *caseFromRaw<TaskCategory>(begun.front());
+  for (const TaskCategory category : allCases<TaskCategory>()) {
+    if (name.empty() || !startsIgnoringCase(rawText(category), name)) continue;
+    found.push_back(category);
+    begun.push_back(rawText(category));
+  }
+  if (found.size() == 1) return found.front();
   if (begun.empty())
     return std::unexpected(
         fmt::format("There is no category “{}”; the categories are {}.", name, storedNames<TaskCategory>()));

@@ -3,6 +3,8 @@
 import json
 import os
 import random
+import resource
+import signal
 import sqlite3
 import stat
 import subprocess
@@ -130,6 +132,19 @@ class StoreTest(CliTest):
         closed = subprocess.run(["sh", "-c", 'exec "$0" --store "$1" put vessels <&-', PROGRAM, self.store],
                                 env=self.environment, capture_output=True)
         self.assertEqual((closed.returncode, b"Standard input cannot be read" in closed.stderr), (1, True))
+
+    def test_a_full_disk_refuses_the_edit_and_loses_nothing(self):
+        self.vessel("Saved before")
+
+        def nearly_full():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100 * 1024, 100 * 1024))
+
+        process = self.start("put", "vessels", preexec_fn=nearly_full)
+        out, err = process.communicate(json.dumps([{"name": "New", "notes": "x" * 1000}] * 300).encode())
+        self.assertEqual((process.returncode, out, b"Nothing was changed" in err), (1, b"", True), err)
+        self.assertEqual(self.names(), ["Saved before"])
+        self.assertTrue(self.done("check", "--json")["sound"])
 
     def test_a_file_that_cannot_be_written_is_read_and_edits_are_refused(self):
         self.fails(1, "put", "vessels", input=b"", says="empty")

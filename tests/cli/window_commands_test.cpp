@@ -107,8 +107,10 @@ TEST_F(WindowCommandsTest, AnEditIsAtOnceInTheWindowOnDiskAndCanBeUndone) {
 
 TEST_F(WindowCommandsTest, OtherUsersRecordsChangeBesideTheWindowsOwn) {
   addVessel("Here");
+  constexpr int together = 4;
   std::vector<std::unique_ptr<QProcess>> processes;
-  for (int i = 0; i < 4; ++i) {
+  processes.reserve(together);
+  for (int i = 0; i < together; ++i) {
     processes.push_back(
         start({QStringLiteral("--user"), QStringLiteral("u1"), QStringLiteral("put"), QStringLiteral("vessels")},
               QStringLiteral("{\"name\":\"There %1\"}").arg(i).toUtf8()));
