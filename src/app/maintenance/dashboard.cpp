@@ -105,10 +105,10 @@ void Dashboard::readCounters(const Uuid& vessel) {
   }
   QStringList overdueNotes;
   if (high > 0) overdueNotes << QStringLiteral("%1 high priority").arg(high);
-  if (oldest && *oldest < watch_.now()) {
-    const auto late = watch_.calendar().dayComponent(*oldest, watch_.now()).value_or(0);
-    if (late > 0) {
-      overdueNotes << QStringLiteral("oldest ") + counted(static_cast<std::size_t>(late), u"day", u"days");
+  if (oldest) {
+    const auto late = sys_days(watch_.calendar().date(watch_.now())) - sys_days(watch_.calendar().date(*oldest));
+    if (late.count() > 0) {
+      overdueNotes << QStringLiteral("oldest ") + counted(static_cast<std::size_t>(late.count()), u"day", u"days");
     }
   }
   if (overdueNotes.isEmpty())

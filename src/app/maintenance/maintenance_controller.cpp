@@ -6,7 +6,7 @@ namespace thalvorn::app {
 
 namespace {
 
-constexpr std::size_t kNextDueShown = 6;
+constexpr std::size_t kNextDueShown = 10;
 
 QVariantMap option(const QString& value, const QString& text) {
   return {{QStringLiteral("value"), value}, {QStringLiteral("text"), text}};

@@ -9,6 +9,7 @@
 #include "base/date_format.h"
 #include "core/meter_pace.h"
 #include "core/status_reason.h"
+#include "core/task_repetition.h"
 
 namespace thalvorn::app {
 
@@ -93,7 +94,7 @@ void TaskDetail::readFacts(const MaintenanceTask& task, const Vessel& vessel) {
   if (task.dueAtEngineHours) {
     const double target = *task.dueAtEngineHours;
     const double reading = vessel.reading(task.hourSource);
-    facts_.append(fact(u"Due at", format_.hours(target) + QStringLiteral(" · ") + toQt(task.hourSource.display())));
+    facts_.append(fact(u"Due at", format_.hours(target), toQt(task.hourSource.display())));
     facts_.append(fact(u"Now", format_.hours(reading)));
     if (target > reading) {
       const double pace = watch_.fleet().meters(task.vesselID).pace(task.hourSource);
@@ -104,11 +105,14 @@ void TaskDetail::readFacts(const MaintenanceTask& task, const Vessel& vessel) {
     }
   }
   if (task.dueDate) {
-    facts_.append(fact(task.dueAtEngineHours ? u"Or by" : u"Due", day(*task.dueDate),
-                       QString::fromStdString(formatDistance(*task.dueDate, watch_.now(), watch_.calendar()))));
+    const bool near = std::chrono::abs(*task.dueDate - watch_.now()) <= std::chrono::days(30);
+    facts_.append(fact(
+        task.dueAtEngineHours ? u"Or by" : u"Due", day(*task.dueDate),
+        near ? QString::fromStdString(formatDistance(*task.dueDate, watch_.now(), watch_.calendar())) : QString()));
   }
   if (!task.dueDate && !task.dueAtEngineHours) facts_.append(fact(u"Due", QStringLiteral("No due point")));
-  facts_.append(fact(u"Repeats", repeatText(task)));
+  facts_.append(
+      fact(u"Repeats", repeats(task) ? toQt(intervalText(repeatDays(task), repeatHours(task))) : repeatText(task)));
   facts_.append(fact(u"Priority", toQt(task.priority.display())));
   if (task.snoozedUntil && *task.snoozedUntil > watch_.now()) {
     facts_.append(fact(u"Snoozed until", day(*task.snoozedUntil)));

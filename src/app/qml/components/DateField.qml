@@ -14,12 +14,13 @@ TextInputField {
     property bool optional: false
     property bool unreadable: false
     readonly property string shownDate: date ? (withTime ? Format.dateTime(date) : Format.date(date)) : ""
+    property string fault  // what the owner says of the day; a text that is no date is told by the field itself
     signal picked(var date)
 
     placeholder: withTime ? "Day and time" : "Day"
     trailingIcon: "calendar-blank"
     trailingTip: "Choose from the calendar"
-    message: unreadable ? "This is not a date. Try “21 Nov 2026”, “tomorrow” or “+14”." : ""
+    message: unreadable ? "This is not a date. Try “21 Nov 2026”, “tomorrow” or “+14”." : fault
     text: shownDate
     onShownDateChanged: if (!input.activeFocus || !unreadable) { unreadable = false; replaceText(shownDate); }
 

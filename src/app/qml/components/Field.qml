@@ -116,6 +116,7 @@ Loader {
         DateField {
             label: root.label
             hint: root.hint
+            fault: root.message
             required: root.facts.required
             optional: root.facts.optional
             withTime: root.facts.entry === "dateTime"

@@ -24,6 +24,8 @@ FocusScope {
     signal posted(string name)
     signal opened(var args)
 
+    focus: true
+
     function find() {
         if (!searchPlaceholder)
             return false;

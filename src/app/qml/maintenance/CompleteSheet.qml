@@ -25,7 +25,7 @@ FormSheet {
             withTime: true
             optional: false
             date: root.form?.doneOn
-            message: root.form?.doneOnMessage || ""
+            fault: root.form?.doneOnMessage ?? ""
             onPicked: (date) => { if (date !== undefined) root.form.doneOn = date; }
         }
         PersonField {

@@ -16,6 +16,7 @@ Card {
         Layout.leftMargin: 1 - root.padding
         Layout.rightMargin: 1 - root.padding
         Layout.topMargin: -Theme.space1
+        Layout.alignment: Qt.AlignTop
         Repeater {
             model: root.items
             delegate: HomeRow {
@@ -45,5 +46,4 @@ Card {
             }
         }
     }
-    Item { Layout.fillHeight: true }
 }

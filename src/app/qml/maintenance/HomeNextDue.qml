@@ -6,6 +6,8 @@ import Thalvorn
 Card {
     id: root
 
+    property int rows: 6
+
     title: "Next due"
     linkText: "Open board"
     padding: Theme.space4
@@ -17,13 +19,16 @@ Card {
         Layout.leftMargin: 1 - root.padding
         Layout.rightMargin: 1 - root.padding
         Layout.topMargin: -Theme.space1
+        Layout.bottomMargin: -Theme.space2
+        Layout.alignment: Qt.AlignTop
         Repeater {
             model: Maintenance.nextDue
             delegate: HomeRow {
                 id: row
                 required property var model
                 required property int index
-                last: index === Maintenance.nextDue.total - 1
+                visible: index < root.rows
+                last: index === Math.min(root.rows, Maintenance.nextDue.total) - 1
                 Layout.fillWidth: true
                 Accessible.name: model.title + ", " + model.status + ", " + model.due
                 onClicked: App.open("maintenance", { highlight: model.id })
@@ -52,5 +57,4 @@ Card {
         text: "No task falls due within 30 days or 50 hours."
         Layout.fillWidth: true
     }
-    Item { Layout.fillHeight: true }
 }

@@ -8,7 +8,6 @@ Page {
     id: root
 
     readonly property var home: Maintenance.dashboard
-    readonly property bool threeColumns: width >= 1000
 
     title: home.greeting
     padding: 0
@@ -67,14 +66,14 @@ Page {
         anchors.fill: parent
         visible: root.home.hasVessel && root.home.hasTasks
         contentWidth: width
-        contentHeight: column.implicitHeight + Theme.pagePadding * 2
+        contentHeight: column.implicitHeight + Theme.space4 * 2
         boundsBehavior: Flickable.StopAtBounds
         T.ScrollBar.vertical: AppScrollBar {}
 
         ColumnLayout {
             id: column
             x: Theme.pagePadding
-            y: Theme.space5
+            y: Theme.space4
             width: flick.width - Theme.pagePadding * 2
             spacing: Theme.space4
 
@@ -109,6 +108,7 @@ Page {
                 rowSpacing: Theme.space4
                 Layout.fillWidth: true
                 HomeNextDue {
+                    rows: Math.max(5, Math.min(10, Math.floor((flick.height - 394) / 48)))
                     Layout.fillWidth: true
                     Layout.fillHeight: true
                     Layout.preferredWidth: 140
@@ -131,7 +131,7 @@ Page {
                 BarChart {
                     bars: root.home.workDone
                     Layout.fillWidth: true
-                    Layout.preferredHeight: 96
+                    Layout.preferredHeight: 88
                 }
             }
         }

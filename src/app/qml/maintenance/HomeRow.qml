@@ -9,7 +9,7 @@ T.AbstractButton {
     property bool last: false
     default property alias body: slot.data
 
-    implicitHeight: 49
+    implicitHeight: 48
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     Accessible.role: Accessible.Button

@@ -18,6 +18,17 @@ FormSheet {
     error: form ? form.error : "This task was deleted meanwhile."
     canSave: form !== null && form.message.length === 0
     onSaveRequested: if (form.save()) close()
+    onOpened: {
+        for (let i = 0; i < choices.count; ++i)
+            if (choices.itemAt(i).checked)
+                choices.itemAt(i).forceActiveFocus(Qt.TabFocusReason);
+    }
+    // Arrow keys go from one period to the next and choose it.
+    function choose(index) {
+        const item = choices.itemAt(Math.max(0, Math.min(choices.count - 1, index)));
+        form.period = item.modelData.value;
+        item.forceActiveFocus(Qt.TabFocusReason);
+    }
     footer: DangerButton {
         visible: root.form !== null && root.form.snoozed
         text: "End the snooze"
@@ -36,10 +47,12 @@ FormSheet {
         rowSpacing: Theme.space3
         Layout.fillWidth: true
         Repeater {
+            id: choices
             model: root.form?.periods ?? []
             delegate: T.RadioButton {
                 id: choice
                 required property var modelData
+                required property int index
                 implicitHeight: 56
                 checked: root.form.period === modelData.value
                 focusPolicy: Qt.StrongFocus
@@ -53,6 +66,10 @@ FormSheet {
                     checked = Qt.binding(() => root.form.period === modelData.value);
                 }
                 Keys.onReturnPressed: root.save()
+                Keys.onLeftPressed: root.choose(index - 1)
+                Keys.onRightPressed: root.choose(index + 1)
+                Keys.onUpPressed: root.choose(index - 3)
+                Keys.onDownPressed: root.choose(index + 3)
                 background: Rectangle {
                     radius: Theme.radiusControl
                     color: choice.checked ? Theme.accentBg : choice.hovered ? Theme.hover : Theme.card
@@ -74,7 +91,7 @@ FormSheet {
         label: "Until"
         optional: false
         date: root.form?.until
-        message: root.form?.message || ""
+        fault: root.form?.message ?? ""
         onPicked: (date) => { if (date !== undefined) root.form.until = date; }
         Layout.fillWidth: false
         Layout.preferredWidth: 260

@@ -19,31 +19,33 @@ FormSheet {
     dirty: form ? form.dirty : false
     canSave: form !== null
     onSaveRequested: {
-        if (!form.save())
+        if (!form.save()) {
+            ({ title: titleField, dueDate: dateField, dueAtEngineHours: hoursField })[form.firstWrong()]?.forceFocus();
             return;
+        }
         close();
         if (!taskId)
             App.toast("Task added", "ok");
     }
 
-    Field { form: root.form; name: "title" }
+    Field { id: titleField; form: root.form; name: "title" }
     FieldRow {
         Field { form: root.form; name: "category"; options: root.form?.categories ?? [] }
         Field { form: root.form; name: "kind" }
         Field { form: root.form; name: "priority" }
     }
-    Field { form: root.form; name: "triggerType"; Layout.fillWidth: true }
     FieldRow {
-        visible: root.byDate
+        Field { form: root.form; name: "triggerType" }
         ColumnLayout {
+            visible: root.byDate
             spacing: Theme.space1
             Layout.fillWidth: true
             Layout.preferredWidth: 100
             Layout.alignment: Qt.AlignTop
-            Field { form: root.form; name: "dueDate" }
+            Field { id: dateField; form: root.form; name: "dueDate" }
             LinkButton { visible: text.length > 0; text: root.form?.dateProposal ?? ""; onClicked: root.form.takeDateProposal() }
         }
-        Field { form: root.form; name: "recurringDays"; hint: root.form?.daysHint ?? ""; readOnly: !root.planned }
+        Field { visible: root.byDate; form: root.form; name: "recurringDays"; hint: root.form?.daysHint ?? ""; readOnly: !root.planned }
     }
     FieldRow {
         visible: root.byHours
@@ -53,7 +55,7 @@ FormSheet {
             Layout.fillWidth: true
             Layout.preferredWidth: 100
             Layout.alignment: Qt.AlignTop
-            Field { form: root.form; name: "dueAtEngineHours" }
+            Field { id: hoursField; form: root.form; name: "dueAtEngineHours" }
             LinkButton { visible: text.length > 0; text: root.form?.hoursProposal ?? ""; onClicked: root.form.takeHoursProposal() }
         }
         Field { form: root.form; name: "recurringEngineHours"; hint: root.form?.hoursHint ?? ""; readOnly: !root.planned }

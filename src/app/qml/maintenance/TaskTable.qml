@@ -96,23 +96,23 @@ DataTable {
     TableColumn {
         title: "Meter"
         role: "meter"
-        width: 90
+        width: 84
         hideBelow: 620
         cell: Component { TaskMeterCell {} }
     }
-    TableColumn { title: "Kind"; role: "kind"; width: 66; hideBelow: 700; muted: true }
+    TableColumn { title: "Kind"; role: "kind"; width: 62; hideBelow: 700; muted: true }
     TableColumn {
         title: "Status"
         role: "status"
         sortKey: "status"
-        width: root.allStatuses ? 118 : 84
+        width: root.allStatuses ? 118 : 82
         cell: Component { BadgeCell { text: row ? row.status ?? "" : ""; tone: row ? row.tone ?? "" : "" } }
     }
     TableColumn {
         title: "Due"
         role: "due"
         sortKey: "due"
-        width: 158
+        width: 154
         cell: Component { TaskDueCell { onSnoozeClicked: (id) => root.actions.snooze(id) } }
     }
     TableColumn {
@@ -125,8 +125,8 @@ DataTable {
     TableColumn {
         title: "Interval used"
         role: "used"
-        width: 92
-        hideBelow: root.categoryShown ? 900 : 760
+        width: 84
+        hideBelow: root.categoryShown ? 900 : 720
         cell: Component {
             ProgressCell {
                 visible: row && row.used >= 0
