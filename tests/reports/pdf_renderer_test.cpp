@@ -175,7 +175,7 @@ TEST(PdfRenderer, PrintsEveryBlockInEveryScriptAndCutsNothing) {
                            "été",
                            "in many scripts",
                            "Builder",
-                           "Feadship",
+                           "Aurora Yard",
                            "154.2 ft",
                            "Winter refit",
                            "CRITICAL",

@@ -80,7 +80,7 @@ Document sampleOfEverything() {
       Paragraph{"تغيير زيت المحرك 12\nהחלפת שמן\n机油更换 エンジン 엔진\nเปลี่ยนน้ำมันเครื่อง\nAnchor ⚓ done ✅ 🔧 🛥️ "
                 "end\ne\u0301te\u0301",
                 true});
-  document.blocks.push_back(FieldGrid{{{"Builder", "Feadship"}, {"Length", "154.2 ft"}, {"Notes", ""}}, 2});
+  document.blocks.push_back(FieldGrid{{{"Builder", "Aurora Yard"}, {"Length", "154.2 ft"}, {"Notes", ""}}, 2});
   document.blocks.push_back(
       Card{"Winter refit", "CRITICAL", {{"Yard", "Palma"}, {"Days", "42"}}, "Shaft seal weeping."});
   document.blocks.push_back(Heading{"Work list"});
