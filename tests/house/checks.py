@@ -141,7 +141,7 @@ def looks(tree):
 
 def unused_files(tree):
     """Headers nobody includes, QML types and drawings nobody names, pictures and other data likewise."""
-    readers = tree.files(("src/", "tests/", "bench/"), (".cpp", ".h", ".qml", ".js", ".txt", ".qrc", ".in", "qmldir"))
+    readers = tree.files(("src/", "devserver/", "tests/", "bench/"), (".cpp", ".h", ".qml", ".js", ".txt", ".qrc", ".in", "qmldir"))
     included, words = {}, {}
     for path in readers:
         text = tree.text(path)
@@ -150,7 +150,7 @@ def unused_files(tree):
         if not path.endswith((".txt", "qmldir")):
             for word in set(re.findall(r"[A-Za-z][\w-]*", text)):
                 words.setdefault(word, set()).add(path)
-    for path in tree.files(("src/", "tests/", "bench/"), (".h",)):
+    for path in tree.files(("src/", "devserver/", "tests/", "bench/"), (".h",)):
         ways = [path, path[len("src/"):], path[len("tests/"):], os.path.basename(path)]
         if not any(included.get(way, set()) - {path} for way in ways):
             yield f"{path}:1: no file includes this header"
@@ -191,7 +191,7 @@ def lambdas(code):
 
 
 def coroutine_lambdas(tree):
-    for path in tree.files(("src/", "tests/", "bench/"), (".cpp", ".h")):
+    for path in tree.files(("src/", "devserver/", "tests/", "bench/"), (".cpp", ".h")):
         code = without_comments(tree.text(path), keep_strings=False)
         if not re.search(r"\bco_(await|return|yield)\b", code):
             continue
@@ -273,7 +273,7 @@ MOST_LINES = 600
 
 
 def file_length(tree):
-    for path in tree.files(("src/", "tests/", "bench/", "scripts/"), CODE) + ["tests/house/checks.py"]:
+    for path in tree.files(("src/", "devserver/", "tests/", "bench/", "scripts/"), CODE) + ["tests/house/checks.py"]:
         lines = tree.text(path).count("\n") if path in tree.paths else 0
         if lines > MOST_LINES:
             yield f"{path}:{MOST_LINES}: {lines} lines; split it by subject"

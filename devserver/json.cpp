@@ -1,0 +1,2 @@
+// Boost.JSON is compiled here, once, instead of linking its library.
+#include <boost/json/src.hpp>
