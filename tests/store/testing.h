@@ -6,6 +6,7 @@
 #include <future>
 #include <string>
 
+#include "message_catcher.h"
 #include "store/app_view_model.h"
 
 namespace thalvorn {
@@ -31,20 +32,5 @@ std::expected<Revision, CacheError> waitForDone(Ask&& ask) {
   ask([&](std::expected<Revision, CacheError> result) { promise.set_value(std::move(result)); });
   return future.get();
 }
-
-/// Collects what is logged while it lives.
-class MessageCatcher {
- public:
-  MessageCatcher() : previous_(qInstallMessageHandler(&MessageCatcher::take)) { text_.clear(); }
-  ~MessageCatcher() { qInstallMessageHandler(previous_); }
-  std::string text() const { return text_; }
-
- private:
-  static void take(QtMsgType, const QMessageLogContext&, const QString& message) {
-    text_ += message.toStdString() + '\n';
-  }
-  static inline std::string text_;
-  QtMessageHandler previous_;
-};
 
 }  // namespace thalvorn
