@@ -24,7 +24,7 @@ std::string lowered(std::string text) {
 
 constexpr auto* kUserColumns = R"(
   u.id, u.email, u.encrypted_password, u.email_confirmed_at is not null, coalesce(u.banned_until > now(), false),
-  u.raw_app_meta_data, u.raw_user_meta_data, coalesce(u.email_change, ''),
+  u.raw_app_meta_data, u.raw_user_meta_data, coalesce(u.email_change, ''), coalesce(u.role, ''),
   jsonb_strip_nulls(jsonb_build_object('id', u.id, 'aud', u.aud, 'role', u.role, 'email', u.email,
     'email_confirmed_at', auth_time(u.email_confirmed_at), 'phone', coalesce(u.phone, ''),
     'confirmation_sent_at', auth_time(u.confirmation_sent_at), 'confirmed_at', auth_time(u.confirmed_at),
@@ -94,7 +94,8 @@ std::optional<User> Exchange::findUser(std::string_view condition, const std::st
               .appMetadata = std::string(rows.text(0, 5)),
               .userMetadata = std::string(rows.text(0, 6)),
               .newEmail = std::string(rows.text(0, 7)),
-              .reply = std::string(rows.text(0, 8))};
+              .role = std::string(rows.text(0, 8)),
+              .reply = std::string(rows.text(0, 9))};
 }
 
 Exchange::Bearer Exchange::bearer() {
@@ -178,7 +179,7 @@ std::string Exchange::tokenReply(const std::string& userId, const Grant& grant) 
                             {"phone", ""},
                             {"app_metadata", json::parse(user.appMetadata)},
                             {"user_metadata", json::parse(user.userMetadata)},
-                            {"role", "authenticated"},
+                            {"role", user.role},
                             {"aal", "aal1"},
                             {"amr", methods},
                             {"session_id", grant.sessionId},

@@ -34,6 +34,7 @@ struct User {
   std::string appMetadata;
   std::string userMetadata;
   std::string newEmail;
+  std::string role;   ///< of the database, as which the person's requests run
   std::string reply;  ///< as JSON
 };
 

@@ -19,13 +19,13 @@ void readThrough(ondemand::value value) {
     case ondemand::json_type::object:
       for (auto member : value.get_object()) readThrough(member.value().value());
       break;
-    case ondemand::json_type::number:
     case ondemand::json_type::boolean:
       (void)value.get_bool().value();
       break;
     case ondemand::json_type::null:
       if (!bool(value.is_null())) throw simdjson::simdjson_error(simdjson::TAPE_ERROR);
       break;
+    case ondemand::json_type::number:
     case ondemand::json_type::string:
       break;  // PostgreSQL judges their range and escapes
   }
