@@ -1,5 +1,4 @@
--- The registers: one table per kind of record, its columns in the order in which rows are written. Columns of our own follow
--- at the end of this file. Identifiers of records that may be gone while their history stays (a service log's task, an ISM
+-- The registers: one table per kind of record, its columns in the order in which rows are written. Identifiers of records that may be gone while their history stays (a service log's task, an ISM
 -- record's check) point nowhere by constraint, and no list of values is fixed: a newer program may know more.
 
 -- `module` is the key of account_members.module_overrides that narrows a member's access to the table; without one, the
@@ -436,6 +435,7 @@ create table public.user_settings (
   app_version text,
   updated_at timestamptz not null default now()
 );
+alter table public.user_settings enable row level security;
 
 create table public.subscription_accounts (
   id uuid primary key,
@@ -504,17 +504,15 @@ insert into private.registers (table_name, module) values
 alter table public.vessels add unique (account_id, id);
 alter table public.yard_periods add unique (account_id, id);
 
--- What every register has besides: the columns of our own (see the sync functions), an index to read an account's rows by
--- page, and vessels and yard periods referenced together with the account, so that no row hangs on another account's vessel.
+-- What every register has besides: an index to read an account's rows by page, and vessels and yard periods referenced together with the account, so that no row hangs on another account's vessel.
 -- user_id has no index: it is searched only when a person is deleted.
 do $$
 declare
   register text;
 begin
-  for register in select table_name from private.registers union all values ('user_settings') loop
-    execute format('alter table public.%I enable row level security,
-      add column extra_json text, add column server_version bigint, add column seen_version bigint', register);
-    if register not in ('vessels', 'yard_periods', 'user_settings') then
+  for register in select table_name from private.registers loop
+    execute format('alter table public.%I enable row level security', register);
+    if register not in ('vessels', 'yard_periods') then
       execute format('create index %I on public.%I (account_id, id)', register || '_account_idx', register);
     end if;
     if exists (select from pg_attribute where attrelid = format('public.%I', register)::regclass and attname = 'vessel_id') then

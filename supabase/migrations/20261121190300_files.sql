@@ -17,8 +17,7 @@ insert into storage.buckets (id, name, public, file_size_limit)
 select bucket_id, bucket_id, false, 50 * 1024 * 1024 from private.buckets
 on conflict (id) do nothing;
 
--- "bucket/first folder" for all the caller may read or write. A vessel's folder stays within reach after the vessel is
--- deleted, because its files are removed after its row.
+-- "bucket/first folder" for all the caller may read or write.
 create function private.folders(writing boolean) returns setof text
 language sql stable security definer set search_path = '' as $$
   select b.bucket_id || '/' || f.folder
@@ -32,8 +31,6 @@ language sql stable security definer set search_path = '' as $$
     select a.account::text as folder
     union all
     select v.id::text from public.vessels v where v.account_id = a.account
-    union all
-    select d.record_id::text from public.deleted_records d where d.account_id = a.account and d.table_name = 'vessels'
   ) f
 $$;
 

@@ -7,16 +7,14 @@ revoke all on all sequences in schema public from anon, authenticated, public;
 revoke all on all tables in schema private from anon, authenticated, public;
 
 grant select, insert, update, delete on all tables in schema public to service_role;
-grant usage on sequence private.row_version to service_role;
-grant select on public.accounts, public.account_changes, public.deleted_records to authenticated;
+grant select on public.accounts to authenticated;
 grant update (name, updated_at) on public.accounts to authenticated;  -- plan and seats are bought, not set
 grant select, insert, update, delete on public.account_members, public.user_settings to authenticated;
 grant select, insert, delete on public.crew_board_acknowledgments to authenticated;
 -- An acknowledgment that arrives twice is an upsert, which needs the right to update the columns it names.
 grant update (post_id, user_id, account_id) on public.crew_board_acknowledgments to authenticated;
 grant execute on function public.claim_pending_invite(), public.bootstrap_own_account(),
-  public.invite_team_member(text, text, text, uuid), public.account_people(),
-  public.undelete_records(uuid, text, uuid[]) to authenticated, service_role;
+  public.invite_team_member(text, text, text, uuid), public.account_people() to authenticated, service_role;
 
 -- Registers: read by every active member from whom the module is not hidden, written by admins and editors without an
 -- exception for it.
@@ -41,12 +39,6 @@ begin
   end loop;
 end
 $$;
-
-create policy member_select on public.account_changes for select to authenticated
-  using (account_id = any (array (select private.accounts_to_read())));
-create policy member_select on public.deleted_records for select to authenticated
-  using (account_id = any (array (select private.accounts_to_read()))
-    and account_id || '/' || table_name <> all (array (select private.hidden_registers())));
 
 create policy member_select on public.accounts for select to authenticated
   using (id = any (array (select private.accounts_to_read('admin'))));

@@ -164,6 +164,30 @@ $$;
 create trigger crew_parts after insert or update on public.crew_members
   for each row execute function private.guard_crew_parts();
 
+-- Acknowledgments go with their post.
+create function private.forget_acknowledgments() returns trigger
+language plpgsql security definer set search_path = '' as $$
+begin
+  delete from public.crew_board_acknowledgments a using changed c where a.account_id = c.account_id and a.post_id = c.id;
+  return null;
+end
+$$;
+create trigger after_delete_acknowledgments after delete on public.crew_board_posts referencing old table as changed
+  for each statement execute function private.forget_acknowledgments();
+
+-- The author of a post is who added it, whoever edits it later.
+create function private.keep_author() returns trigger
+language plpgsql set search_path = '' as $$
+begin
+  if current_user = 'authenticated' then
+    new.user_id := case tg_op when 'INSERT' then auth.uid() else old.user_id end;
+  end if;
+  return new;
+end
+$$;
+create trigger b_keep_author before insert or update on public.crew_board_posts
+  for each row execute function private.keep_author();
+
 -- Procedures ----------------------------------------------------------------------------------------------------------
 -- All may arrive twice, from two devices at once: each answers the second time what it answered the first.
 

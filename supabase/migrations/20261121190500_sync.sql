@@ -1,5 +1,6 @@
 -- What lets several people work on one fleet without losing anything: versions given by the server, a guard against stale
--- and revived rows, tombstones, and change stamps that tell a client which tables it need not read.
+-- and revived rows, tombstones, and change stamps that tell a client which tables it need not read. A client does without,
+-- against a project that has only the migrations before this one: it then reads every table, and the later of two uploads stands.
 --
 -- Columns of our own on every register:
 --   extra_json      fields of the record that have no column, as JSON text; the server never looks inside
@@ -10,6 +11,18 @@
 -- updated_at stays what the client sent.
 
 create sequence private.row_version;
+
+do $$
+declare
+  register text;
+begin
+  for register in select table_name from private.registers union all values ('user_settings') loop
+    execute format('alter table public.%I add column extra_json text, add column server_version bigint,
+      add column seen_version bigint', register);
+    execute format('update public.%I set server_version = nextval(''private.row_version'')', register);
+  end loop;
+end
+$$;
 
 -- The rows that were deleted, kept for good: a yacht may be offline for a season, and its late upsert must not bring a row back.
 create table public.deleted_records (
@@ -205,30 +218,6 @@ $$;
 create trigger after_update after update on public.accounts referencing new table as changed
   for each statement execute function private.stamp_accounts();
 
--- Acknowledgments go with their post.
-create function private.forget_acknowledgments() returns trigger
-language plpgsql security definer set search_path = '' as $$
-begin
-  delete from public.crew_board_acknowledgments a using changed c where a.account_id = c.account_id and a.post_id = c.id;
-  return null;
-end
-$$;
-create trigger after_delete_acknowledgments after delete on public.crew_board_posts referencing old table as changed
-  for each statement execute function private.forget_acknowledgments();
-
--- The author of a post is who added it, whoever edits it later.
-create function private.keep_author() returns trigger
-language plpgsql set search_path = '' as $$
-begin
-  if current_user = 'authenticated' then
-    new.user_id := case tg_op when 'INSERT' then auth.uid() else old.user_id end;
-  end if;
-  return new;
-end
-$$;
-create trigger b_keep_author before insert or update on public.crew_board_posts
-  for each row execute function private.keep_author();
-
 -- Registers whose module is hidden from the caller, as "account/table".
 create function private.hidden_registers() returns setof text
 language sql stable security definer set search_path = '' as $$
@@ -260,5 +249,37 @@ begin
 end
 $$;
 
+-- A vessel's folder stays within reach after the vessel is deleted, because its files are removed after its row.
+create or replace function private.folders(writing boolean) returns setof text
+language sql stable security definer set search_path = '' as $$
+  select b.bucket_id || '/' || f.folder
+  from private.buckets b
+  cross join lateral (
+    select private.accounts_to_read(variadic b.modules) as account where not writing
+    union all
+    select private.accounts_to_write(variadic b.modules) where writing
+  ) a
+  cross join lateral (
+    select a.account::text as folder
+    union all
+    select v.id::text from public.vessels v where v.account_id = a.account
+    union all
+    select d.record_id::text from public.deleted_records d where d.account_id = a.account and d.table_name = 'vessels'
+  ) f
+$$;
+
+revoke all on public.deleted_records, public.account_changes from anon, authenticated, public;
+revoke all on sequence private.row_version from anon, authenticated, public;
+revoke execute on function public.undelete_records(uuid, text, uuid[]) from anon, public;
 revoke execute on all functions in schema private from public;
+grant select on public.deleted_records, public.account_changes to authenticated;
+grant select, insert, update, delete on public.deleted_records, public.account_changes to service_role;
+grant usage on sequence private.row_version to service_role;
+grant execute on function public.undelete_records(uuid, text, uuid[]) to authenticated, service_role;
 grant execute on function private.hidden_registers() to authenticated, service_role;
+
+create policy member_select on public.account_changes for select to authenticated
+  using (account_id = any (array (select private.accounts_to_read())));
+create policy member_select on public.deleted_records for select to authenticated
+  using (account_id = any (array (select private.accounts_to_read()))
+    and account_id || '/' || table_name <> all (array (select private.hidden_registers())));
