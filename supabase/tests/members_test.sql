@@ -88,6 +88,10 @@ select is(test.try('admin', format('delete from public.account_members where id 
        is(test.try('admin', format('update public.account_members set invited_email = ''Other@Example.com'' where id = %L', test.thing('pending'))),
           '1', 'an invitation''s address is corrected');
 
+select is(test.try('service_role', format('update public.account_members set role = ''editor'' where id = %L', test.member('owner'))), '1',
+          'the platform''s own key is bound by none of this'),
+       is(test.try('service_role', 'update public.accounts set plan = ''none'''), '2', 'and sets plans');
+
 -- Members written as whole rows merge with what is there.
 create function test.upsert_member(who text, changes jsonb) returns text language sql as $$
   select test.try(who, test.upsert_sql('account_members', sent), sent)
