@@ -8,6 +8,7 @@
 #include "app/command_table.h"
 #include "app/module_table.h"
 #include "app/status_tone.h"
+#include "app/text.h"
 #include "core/task_status.h"
 
 namespace thalvorn::app {
@@ -143,21 +144,18 @@ QVariantList AppController::shortcuts() const {
 }
 
 QVariantMap AppController::statusHelp() const {
-  const auto qt = [](std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-  };
   const StatusHelp& help = thalvorn::statusHelp();
   QVariantList rules;
   for (const StatusHelp::Rule& rule : help.rules) {
-    rules.append(QVariantMap{{QStringLiteral("label"), qt(rule.label)},
-                             {QStringLiteral("text"), qt(rule.text)},
+    rules.append(QVariantMap{{QStringLiteral("label"), toQt(rule.label)},
+                             {QStringLiteral("text"), toQt(rule.text)},
                              {QStringLiteral("tone"), statusTone(rule.status)}});
   }
-  return {{QStringLiteral("title"), qt(help.title)},
-          {QStringLiteral("section"), qt(help.section)},
-          {QStringLiteral("introduction"), qt(help.introduction)},
+  return {{QStringLiteral("title"), toQt(help.title)},
+          {QStringLiteral("section"), toQt(help.section)},
+          {QStringLiteral("introduction"), toQt(help.introduction)},
           {QStringLiteral("rules"), rules},
-          {QStringLiteral("elsewhere"), qt(help.elsewhere)}};
+          {QStringLiteral("elsewhere"), toQt(help.elsewhere)}};
 }
 
 QString AppController::version() const { return QStringLiteral(THALVORN_VERSION); }

@@ -4,6 +4,7 @@
 #include <QLocale>
 #include <QRegularExpression>
 
+#include "app/text.h"
 #include "base/date_format.h"
 #include "base/search_text.h"
 
@@ -28,12 +29,12 @@ QString fileNameFor(const QString& what, const QString& vessel, Timestamp now, c
                     const QString& ending) {
   static const QRegularExpression strange(QStringLiteral("[^a-z0-9]+"));
   const auto plain = [](const QString& text) {
-    QString name = QString::fromStdString(foldText(text.toStdString())).replace(strange, QStringLiteral("-"));
+    QString name = toQt(foldText(text.toStdString())).replace(strange, QStringLiteral("-"));
     while (name.startsWith(u'-')) name.remove(0, 1);
     while (name.endsWith(u'-')) name.chop(1);
     return name;
   };
-  QStringList parts{plain(what), plain(vessel), QString::fromStdString(spreadsheetDate(calendar.date(now)))};
+  QStringList parts{plain(what), plain(vessel), toQt(spreadsheetDate(calendar.date(now)))};
   parts.removeAll(QString());
   return parts.join(u'-') + u'.' + ending;
 }

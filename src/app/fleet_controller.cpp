@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "app/save_outcome.h"
+#include "app/text.h"
 #include "base/number_format.h"
 #include "core/task_status.h"
 #include "store/app_view_model.h"
@@ -14,12 +16,10 @@ using namespace std::chrono_literals;
 
 constexpr std::size_t kUndoDepth = 50;
 
-QString qt(const std::string& text) { return QString::fromStdString(text); }
-
 QString vesselDetail(const Vessel& vessel) {
   QStringList parts;
-  if (vessel.lengthFeet > 0) parts << qt(formatQuantity(vessel.lengthFeet, 1)) + QStringLiteral(" ft");
-  if (!vessel.type.empty()) parts << qt(vessel.type);
+  if (vessel.lengthFeet > 0) parts << toQt(formatQuantity(vessel.lengthFeet, 1)) + QStringLiteral(" ft");
+  if (!vessel.type.empty()) parts << toQt(vessel.type);
   return parts.join(QStringLiteral(" · "));
 }
 
@@ -64,7 +64,7 @@ FleetController::FleetController(AppViewModel& model, Notices& notices, QObject*
 
 QString FleetController::selectedVesselId() const {
   const auto id = model_.selectedVesselID();
-  return id ? qt(id->toString()) : QString();
+  return id ? toQt(id->toString()) : QString();
 }
 
 QVariantMap FleetController::selectedVessel() const {
@@ -83,7 +83,7 @@ QString FleetController::saveText() const {
   return unsaved() == 0 ? QStringLiteral("Saved") : QStringLiteral("%1 not saved").arg(unsaved());
 }
 
-QString FleetController::saveError() const { return qt(model_.saveProblem()); }
+QString FleetController::saveError() const { return toQt(model_.saveProblem()); }
 
 void FleetController::selectVessel(const QString& id) {
   if (const auto read = Uuid::parse(id.toStdString())) model_.setSelectedVesselID(read);
@@ -91,32 +91,41 @@ void FleetController::selectVessel(const QString& id) {
 
 void FleetController::retrySaving() { model_.retrySaving(); }
 
-bool FleetController::undoLast() {
-  if (edits_.empty()) return false;
-  undo(edits_.back());
-  return true;
+QString FleetController::undoLast() {
+  return edits_.empty() ? QStringLiteral("There is nothing to undo.") : undo(Uuid(edits_.back()));
 }
 
-void FleetController::undo(const Uuid& edit) {
+QString FleetController::undo(const Uuid& edit) {
   std::erase(edits_, edit);
   notices_.dismiss();
+  QString told;
+  std::optional<Uuid> deletedVessel;
+  if (const auto found = std::ranges::find(model_.undoable(), edit, &Edit::id); found != model_.undoable().end()) {
+    told = QStringLiteral("Undone: ") + toQt(found->label);
+    for (const RecordChange& change : found->changes) {
+      if (!change.after && std::holds_alternative<Vessel>(*change.before)) deletedVessel = change.id();
+    }
+  }
   undoing_ = true;
-  model_.undo(edit);
+  const Saving saving = model_.undo(edit);
   undoing_ = false;
+  if (const QString refusal = refusalOf(saving); !refusal.isEmpty()) return refusal;
+  if (deletedVessel) model_.setSelectedVesselID(deletedVessel);
+  return told;
 }
 
 void FleetController::offerUndo(const Edit& edit) {
   if (undoing_) return;
   edits_.push_back(edit.id);
   if (edits_.size() > kUndoDepth) edits_.erase(edits_.begin());
-  if (isOfferedBack(edit)) notices_.offer(qt(edit.label), [this, id = edit.id] { undo(id); });
+  if (isOfferedBack(edit)) notices_.offer(toQt(edit.label), [this, id = edit.id] { undo(id); });
 }
 
 void FleetController::readVessels() {
   vessels_.clear();
   for (const Vessel* vessel : model_.vesselsInOrder()) {
-    vessels_.append(QVariantMap{{QStringLiteral("id"), qt(vessel->id.toString())},
-                                {QStringLiteral("name"), qt(vessel->name)},
+    vessels_.append(QVariantMap{{QStringLiteral("id"), toQt(vessel->id.toString())},
+                                {QStringLiteral("name"), toQt(vessel->name)},
                                 {QStringLiteral("detail"), vesselDetail(*vessel)}});
   }
   Q_EMIT vesselsChanged();

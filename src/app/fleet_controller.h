@@ -47,8 +47,8 @@ class FleetController : public QObject {
 
   Q_INVOKABLE void selectVessel(const QString& id);
   Q_INVOKABLE void retrySaving();
-  /// Takes the last edit of this session back that has not been taken back yet; false when there is none.
-  Q_INVOKABLE bool undoLast();
+  /// Takes the last edit of this session back that has not been taken back yet, and says what came of it.
+  Q_INVOKABLE QString undoLast();
 
  Q_SIGNALS:
   void vesselsChanged();
@@ -59,7 +59,8 @@ class FleetController : public QObject {
   void readVessels();
   void readAttention();
   void offerUndo(const Edit& edit);
-  void undo(const Uuid& edit);
+  /// Takes the edit back and shows a vessel that comes back with it; says what was undone, or why nothing was.
+  QString undo(const Uuid& edit);
 
   AppViewModel& model_;
   Notices& notices_;

@@ -4,13 +4,12 @@
 #include <QRegularExpression>
 #include <limits>
 
+#include "app/text.h"
 #include "base/date_format.h"
 
 namespace thalvorn::app {
 
 namespace {
-
-QString fromUtf8(const std::string& text) { return QString::fromStdString(text); }
 
 NumberLocale localeOf(const QLocale& locale) {
   return {.decimalPoint = locale.decimalPoint().toStdString(), .groupSeparator = locale.groupSeparator().toStdString()};
@@ -80,7 +79,7 @@ QDateTime Format::toQml(Timestamp time) { return QDateTime::fromSecsSinceEpoch(t
 
 Timestamp Format::fromQml(const QDateTime& time) { return Timestamp(std::chrono::seconds(time.toSecsSinceEpoch())); }
 
-QString Format::number(double value, int decimals) const { return fromUtf8(formatNumber(value, decimals, numbers_)); }
+QString Format::number(double value, int decimals) const { return toQt(formatNumber(value, decimals, numbers_)); }
 
 double Format::parseNumber(const QString& text) const {
   return thalvorn::parseNumber(text.toStdString(), numbers_).value_or(std::numeric_limits<double>::quiet_NaN());
@@ -89,25 +88,25 @@ double Format::parseNumber(const QString& text) const {
 QString Format::hours(double value) const { return number(value, 1) + QStringLiteral(" h"); }
 
 QString Format::money(double amount, const QString& currency) const {
-  return fromUtf8(formatMoney(amount, currency.toStdString(), numbers_));
+  return toQt(formatMoney(amount, currency.toStdString(), numbers_));
 }
 
 QDateTime Format::now() const { return toQml(clock_.now()); }
 
 QString Format::date(const QDateTime& time) const {
-  return time.isValid() ? fromUtf8(formatDate(clock_.calendar().date(fromQml(time)))) : QString();
+  return time.isValid() ? toQt(formatDate(clock_.calendar().date(fromQml(time)))) : QString();
 }
 
 QString Format::dateTime(const QDateTime& time) const {
-  return time.isValid() ? fromUtf8(formatDateTime(clock_.calendar().local(fromQml(time)))) : QString();
+  return time.isValid() ? toQt(formatDateTime(clock_.calendar().local(fromQml(time)))) : QString();
 }
 
 QString Format::distance(const QDateTime& time) const {
-  return time.isValid() ? fromUtf8(formatDistance(fromQml(time), clock_.now(), clock_.calendar())) : QString();
+  return time.isValid() ? toQt(formatDistance(fromQml(time), clock_.now(), clock_.calendar())) : QString();
 }
 
 QString Format::due(const QDateTime& time) const {
-  return time.isValid() ? fromUtf8(formatDue(fromQml(time), clock_.now(), clock_.calendar())) : QString();
+  return time.isValid() ? toQt(formatDue(fromQml(time), clock_.now(), clock_.calendar())) : QString();
 }
 
 QString Format::month(const QDateTime& time) const { return QLocale::c().toString(time.date(), u"MMMM yyyy"); }

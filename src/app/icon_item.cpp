@@ -10,6 +10,7 @@
 #include <QSvgRenderer>
 
 #include "app/icon_table.h"
+#include "app/text.h"
 
 namespace thalvorn::app {
 
@@ -18,8 +19,7 @@ namespace {
 QString drawingPath(const QString& name) {
   const QByteArray utf8 = name.toUtf8();
   const std::string_view drawing = iconDrawing({utf8.constData(), static_cast<std::size_t>(utf8.size())});
-  return QStringLiteral(":/icons/%1.svg")
-      .arg(QString::fromUtf8(drawing.data(), static_cast<qsizetype>(drawing.size())));
+  return QStringLiteral(":/icons/%1.svg").arg(toQt(drawing));
 }
 
 /// The drawing in `color`, `pixels` wide and high. Shared by all items of a render thread: a list shows the same few

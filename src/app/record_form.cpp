@@ -3,16 +3,16 @@
 #include <QLoggingCategory>
 #include <cmath>
 
+#include "app/text.h"
+
 namespace thalvorn::app {
 
 namespace {
 
 bool strictNames = false;
 
-QString qt(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
-
 QString withUnit(QString number, const FieldFacts& facts) {
-  return facts.unit.empty() ? number : number + u' ' + qt(facts.unit);
+  return facts.unit.empty() ? number : number + u' ' + toQt(facts.unit);
 }
 
 /// Why a number is out of the field's range; empty when it is within.
@@ -32,7 +32,7 @@ QString rangeFault(double value, const FieldFacts& facts, const Format& format) 
 
 namespace fields {
 
-QString show(const std::string& value, const FieldFacts&, const Format&) { return QString::fromStdString(value); }
+QString show(const std::string& value, const FieldFacts&, const Format&) { return toQt(value); }
 QString show(double value, const FieldFacts& facts, const Format& format) {
   return format.number(value, facts.decimals);
 }
@@ -46,7 +46,7 @@ QString show(Timestamp value, const FieldFacts& facts, const Format& format) {
   const QDateTime time = Format::toQml(value);
   return facts.entry == FieldEntry::dateOnly ? format.date(time) : format.dateTime(time);
 }
-QString show(const Uuid& value, const FieldFacts&, const Format&) { return QString::fromStdString(value.toString()); }
+QString show(const Uuid& value, const FieldFacts&, const Format&) { return toQt(value.toString()); }
 
 std::expected<void, QString> read(const QString& text, std::string& value, const FieldFacts&, const Format&) {
   value = text.toStdString();
@@ -60,7 +60,7 @@ std::expected<void, QString> read(const QString& text, double& value, const Fiel
     return {};
   }
   const auto number = parseNumber(text.toStdString(), format.numbers());
-  if (!number) return std::unexpected(QString::fromStdString(number.error()));
+  if (!number) return std::unexpected(toQt(number.error()));
   if (QString fault = rangeFault(*number, facts, format); !fault.isEmpty()) return std::unexpected(fault);
   value = *number;
   return {};
@@ -98,12 +98,12 @@ std::expected<void, QString> read(const QString& text, Uuid& value, const FieldF
   return {};
 }
 
-QVariant variant(const std::string& value) { return QString::fromStdString(value); }
+QVariant variant(const std::string& value) { return toQt(value); }
 QVariant variant(double value) { return value; }
 QVariant variant(std::int64_t value) { return static_cast<qlonglong>(value); }
 QVariant variant(bool value) { return value; }
 QVariant variant(Timestamp value) { return Format::toQml(value); }
-QVariant variant(const Uuid& value) { return QString::fromStdString(value.toString()); }
+QVariant variant(const Uuid& value) { return toQt(value.toString()); }
 
 QString entryOf(const std::string*, const FieldFacts& facts) {
   switch (facts.entry) {
@@ -156,7 +156,7 @@ QString RecordForm::faultAt(std::size_t field) const {
   if (!typed.fault.isEmpty()) return typed.fault;
   const FieldFacts facts = factsAt(field);
   if (facts.required && typed.text.value_or(textAt(field)).trimmed().isEmpty()) {
-    return QStringLiteral("%1 is needed.").arg(qt(facts.label));
+    return QStringLiteral("%1 is needed.").arg(toQt(facts.label));
   }
   return ruleFault(field);
 }
@@ -180,8 +180,8 @@ QVariantMap RecordForm::facts(const QString& name) const {
   if (!field) return {};
   const FieldFacts facts = factsAt(*field);
   return {
-      {QStringLiteral("label"), qt(facts.label)},       {QStringLiteral("unit"), qt(facts.unit)},
-      {QStringLiteral("help"), qt(facts.help)},         {QStringLiteral("placeholder"), qt(facts.placeholder)},
+      {QStringLiteral("label"), toQt(facts.label)},     {QStringLiteral("unit"), toQt(facts.unit)},
+      {QStringLiteral("help"), toQt(facts.help)},       {QStringLiteral("placeholder"), toQt(facts.placeholder)},
       {QStringLiteral("decimals"), facts.decimals},     {QStringLiteral("minimum"), facts.minimum},
       {QStringLiteral("maximum"), facts.maximum},       {QStringLiteral("required"), facts.required},
       {QStringLiteral("optional"), optionalAt(*field)}, {QStringLiteral("sensitive"), facts.sensitive},
@@ -200,7 +200,7 @@ void RecordForm::touch(std::size_t field) {
   typing(field).touched = true;
   ++revision_;
   Q_EMIT changed();
-  Q_EMIT edited(qt(factsAt(field).name));
+  Q_EMIT edited(toQt(factsAt(field).name));
 }
 
 void RecordForm::setText(const QString& name, const QString& text) {
@@ -246,7 +246,7 @@ bool RecordForm::check() {
 
 QString RecordForm::firstWrong() const {
   for (std::size_t field = 0; field < fieldCount(); ++field) {
-    if (!faultAt(field).isEmpty()) return qt(factsAt(field).name);
+    if (!faultAt(field).isEmpty()) return toQt(factsAt(field).name);
   }
   return {};
 }

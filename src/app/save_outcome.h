@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "app/text.h"
 #include "store/saving.h"
 
 namespace thalvorn::app {
@@ -10,7 +11,7 @@ namespace thalvorn::app {
 /// the window, not here.
 inline QString refusalOf(const Saving& saving) {
   if (!saving.isFinished() || saving.resultCount() == 0 || saving.result()) return {};
-  return QString::fromStdString(saving.result().error().message);
+  return toQt(saving.result().error().message);
 }
 
 }  // namespace thalvorn::app

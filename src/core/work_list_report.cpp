@@ -151,6 +151,27 @@ FieldGrid metersOf(const Vessel& vessel, const ReportSetting& setting) {
   return grid;
 }
 
+/// "7 overdue, 21 due soon, 40 on track, 2 snoozed": as the counters of the board, which leave snoozed tasks out.
+std::string countsOf(std::span<const TaskRow> rows) {
+  std::array<std::size_t, caseCount<TaskStatus>> counts{};
+  std::size_t snoozed = 0;
+  for (const auto& row : rows) ++(row.snoozed ? snoozed : counts[static_cast<std::size_t>(row.status)]);
+  std::string text = fmt::format("{} overdue, {} due soon, {} on track", counts[0], counts[1], counts[2]);
+  if (counts[3] > 0) text += fmt::format(", {} beyond horizon", counts[3]);
+  if (snoozed > 0) text += fmt::format(", {} snoozed", snoozed);
+  return text;
+}
+
+/// What the list was narrowed to, so that nobody takes a part of the work for the whole; empty when nothing was.
+std::string narrowing(const TaskQuery& query) {
+  const std::string what = joined({query.filter == FilterOption::all ? "" : std::string(displayText(query.filter)),
+                                   query.kind ? std::string(displayText(*query.kind)) : "",
+                                   query.category ? std::string(query.category->display()) : "",
+                                   query.search.empty() ? "" : "“" + query.search + "”"},
+                                  " · ");
+  return what.empty() ? what : "Only: " + what;
+}
+
 std::string_view triggerCell(Choice<TriggerType> trigger) {
   return trigger == TriggerType::engineHours ? std::string_view("hours") : trigger.raw();
 }
@@ -166,9 +187,8 @@ Document workListReport(std::span<const MaintenanceTask> tasks, std::span<const 
 
   Document document = reportOf("Maintenance Work List", vessel, profile, setting);
   document.orientation = Orientation::landscape;
-  std::array<std::size_t, caseCount<TaskStatus>> counts{};
-  for (const auto& row : rows) ++counts[static_cast<std::size_t>(row.status)];
-  document.headNotes.push_back(fmt::format("{} overdue, {} due soon, {} on track", counts[0], counts[1], counts[2]));
+  document.headNotes.push_back(countsOf(rows));
+  if (auto part = narrowing(query); !part.empty()) document.headNotes.push_back(std::move(part));
   if (auto meters = metersOf(vessel, setting); !meters.fields.empty()) document.blocks.push_back(std::move(meters));
 
   Table table{.columns = {{.title = "Task", .weight = 3},
@@ -195,15 +215,19 @@ Document workListReport(std::span<const MaintenanceTask> tasks, std::span<const 
       for (const auto& row : std::span(rows).subspan(run.first, run.count)) put(row);
     }
   } else {
-    for (const TaskStatus status : allCases<TaskStatus>()) {
+    const auto putGroup = [&](std::string_view title, const auto& belongs) {
       bool started = false;
       for (const auto& row : rows) {
-        if (row.status != status) continue;
-        if (!started) startGroup(displayText(status));
+        if (!belongs(row)) continue;
+        if (!started) startGroup(title);
         started = true;
         put(row);
       }
+    };
+    for (const TaskStatus status : allCases<TaskStatus>()) {
+      putGroup(displayText(status), [status](const TaskRow& row) { return row.status == status && !row.snoozed; });
     }
+    putGroup("Snoozed", [](const TaskRow& row) { return row.snoozed; });
   }
   startGroup({});
   document.blocks.push_back(std::move(table));

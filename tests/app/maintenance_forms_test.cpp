@@ -246,7 +246,7 @@ TEST_F(MaintenanceForms, DashboardCountsAndPointsOut) {
   sheet.setProperty("labor", QStringLiteral("40"));
   ASSERT_TRUE(sheet.save());
   settle();
-  EXPECT_EQ(home.workDoneText(), QStringLiteral("1 job · 40.00"));
+  EXPECT_EQ(home.workDoneText(), QStringLiteral("1 job · USD 40.00"));
   EXPECT_EQ(home.workDone().last().toMap()[QStringLiteral("value")], 1);
   EXPECT_TRUE(home.attention().isEmpty());
   clock.advance(std::chrono::days(31));

@@ -1,10 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <QFile>
+#include <QQmlEngine>
 #include <QQuickItem>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include "app/composition.h"
 #include "app/maintenance/maintenance_controller.h"
+#include "app/preview/report_desk.h"
+#include "core/task_csv_import.h"
 
 namespace thalvorn::app {
 namespace {
@@ -140,6 +145,28 @@ TEST_F(MaintenanceScreens, ANewTaskIsRefusedWithoutATitleAndThenAdded) {
   press(Qt::Key_Return);  // "Discard"
   settle();
   EXPECT_EQ(count("open"), open);
+}
+
+TEST_F(MaintenanceScreens, TheBoardIsPrintedAndExportedAsItIsShown) {
+  auto* reports = qmlEngine(window())->singletonInstance<ReportDesk*>(qmlTypeId("Thalvorn", 1, 0, "Reports"));
+  board().setKind(QStringLiteral("squawk"));
+  settle();
+  ASSERT_GT(board().total(), 0);
+  press(Qt::Key_P, Qt::ControlModifier);
+  EXPECT_EQ(composition_->app().page(), QStringLiteral("report"));
+  EXPECT_EQ(reports->report(), QStringLiteral("workList"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return reports->pageCount() > 0; }));
+  press(Qt::Key_Escape);
+  EXPECT_EQ(composition_->app().page(), QStringLiteral("maintenance"));
+
+  const QTemporaryDir folder;
+  const QString path = folder.filePath(QStringLiteral("tasks.csv"));
+  reports->exportWorkList(&board(), QUrl::fromLocalFile(path));
+  QFile file(path);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const TaskCsvPreview preview = previewTaskCsv(csvTextFromBytes(file.readAll().toStdString()), Calendar::utc());
+  EXPECT_EQ(preview.valid, static_cast<std::size_t>(board().total()));
+  EXPECT_EQ(preview.skipped, 0u);
 }
 
 TEST_F(MaintenanceScreens, HeadingsFoldByKeys) {

@@ -65,6 +65,7 @@ TEST_F(Window, AVesselGoesOnlyAfterHerNameIsTypedAndComesBackWhole) {
   press(Qt::Key_Z, Qt::ControlModifier);
   ASSERT_TRUE(QTest::qWaitFor([&] { return count() == before; }));
   EXPECT_TRUE(QTest::qWaitFor([&] { return openTasks(vessels) == tasks; }));
+  EXPECT_EQ(controller("Fleet")->property("selectedVessel").toMap().value(QStringLiteral("name")).toString(), name);
 }
 
 TEST_F(Window, ATemplateIsChosenAndAddedByKeys) {

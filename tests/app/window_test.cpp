@@ -49,8 +49,13 @@ TEST_F(Window, FindsAPageByTypingAndOpensItWithEnter) {
   EXPECT_EQ(app().page(), QStringLiteral("recurringTasks"));
   press(Qt::Key_K, Qt::ControlModifier);
   press(Qt::Key_Escape);
-  press(Qt::Key_Escape);
   EXPECT_EQ(app().page(), QStringLiteral("recurringTasks"));
+  press(Qt::Key_K, Qt::ControlModifier);
+  press(Qt::Key_Down);
+  press(Qt::Key_Down);
+  press(Qt::Key_Up);
+  press(Qt::Key_Return);
+  EXPECT_EQ(app().page(), QStringLiteral("maintenance")) << "it began anew, and the arrows chose the second page";
 }
 
 TEST_F(Window, AMenuCommandReachesThePageInView) {
@@ -154,6 +159,46 @@ TEST_F(Window, ASheetAsksBeforeItLosesWhatWasTyped) {
   press(Qt::Key_Tab);
   press(Qt::Key_Return);
   EXPECT_FALSE(host->property("shown").toBool()) << "discarded";
+}
+
+TEST_F(Window, ASheetIsNotSavedWithADateThatCannotBeRead) {
+  QQuickItem* host = make(R"(Item {
+    id: host
+    property alias shown: sheet.opened
+    property int saves: 0
+    function show() { sheet.open(); }
+    FormSheet {
+      id: sheet
+      title: "Test"
+      onSaveRequested: { ++host.saves; close(); }
+      DateField { id: date; label: "Done on"; date: new Date(2026, 10, 21); onPicked: (day) => date.date = day }
+    }
+  })");
+  ASSERT_TRUE(host);
+  QMetaObject::invokeMethod(host, "show");
+  settle();
+  for (const char* typed : {"31 foo", " "}) {
+    press(Qt::Key_A, Qt::ControlModifier);
+    type(QString::fromLatin1(typed));
+    press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(host->property("saves"), 0) << typed;
+  }
+  press(Qt::Key_A, Qt::ControlModifier);
+  type(QStringLiteral("2 Jan 2027"));
+  press(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(host->property("saves"), 1);
+}
+
+TEST_F(Window, AButtonKeepsItsWordsWhileItIsBusy) {
+  QQuickItem* button = make("SecondaryButton { objectName: 'button'; text: 'Check store'; iconName: 'shield-check' }");
+  ASSERT_TRUE(button);
+  const double width = button->width();
+  button->setProperty("busy", true);
+  for (int frame = 0; frame < 5; ++frame) {
+    window()->grabWindow();
+    settle();
+  }
+  EXPECT_EQ(button->width(), width);
 }
 
 TEST_F(Window, FieldsWriteBackWhatIsTyped) {

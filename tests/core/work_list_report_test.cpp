@@ -83,6 +83,19 @@ TEST(WorkListReport, GroupsWhatIsDueByStatusOrCategory) {
   EXPECT_THAT(tableOf(workListReport({}, {}, yacht(), {}, {}, setting())).rows, IsEmpty());
 }
 
+TEST(WorkListReport, CountsAsTheBoardDoesAndSaysWhatItLeavesOut) {
+  auto tasks = programme();
+  tasks[1].snoozedUntil = at("2026-12-01T08:00:00Z");
+  const auto whole = workListReport(tasks, history(), yacht(), {}, {}, setting());
+  EXPECT_THAT(whole.headNotes, ElementsAre("1 overdue, 2 due soon, 0 on track, 1 snoozed"));
+  EXPECT_THAT(titles(tableOf(whole)), ElementsAre("# Overdue 1", "Clock change", "# Due soon 2", "=Shaft seal; weeping",
+                                                  "Engine oil", "# Snoozed 1", "Life raft service"));
+  const auto part =
+      workListReport(tasks, history(), yacht(), {},
+                     {.scope = TaskScope::library, .kind = TaskKind::deficiencySquawk, .search = "seal"}, setting());
+  EXPECT_THAT(part.headNotes, ElementsAre("0 overdue, 1 due soon, 0 on track", "Only: Deficiency / Squawk · “seal”"));
+}
+
 TEST(WorkListReport, SaysWhenAndHowAJobFallsDue) {
   const auto tasks = programme();
   const auto document = workListReport(tasks, history(), yacht(), {}, {}, setting());

@@ -20,7 +20,7 @@ namespace {
 constexpr int kUsualLead = 1;
 constexpr int kMostLead = 30;
 
-QString reminderKey() { return fromUtf8(Reminders::leadKey); }
+QString reminderKey() { return toQt(Reminders::leadKey); }
 
 /// What the sidebar must keep: the way back to this page.
 bool canHide(const PageEntry& page) {
@@ -39,7 +39,7 @@ Settings::Settings(StoreSession& session, PreferenceStore& preferences, AppContr
 
 // ---- choices ----
 
-QString Settings::displayName() const { return fromUtf8(store().displayName()); }
+QString Settings::displayName() const { return toQt(store().displayName()); }
 void Settings::setDisplayName(const QString& name) { store().setDisplayName(name.trimmed().toStdString()); }
 
 QString Settings::coordinateFormat() const {
@@ -115,14 +115,18 @@ QVariantList Settings::modules() const {
 QString Settings::fleetName() const {
   if (store().isDemo()) return QStringLiteral("Demo fleet");
   if (store().staysOnThisComputer()) return QStringLiteral("Fleet kept on this computer");
-  return preferences_.preference(fromUtf8(preference_keys::userEmail));
+  return preferences_.preference(toQt(preference_keys::userEmail));
 }
 
-QString Settings::storeFile() const { return QString::fromStdString(session_.cache().file().string()); }
+QString Settings::storeFile() const { return toQt(session_.cache().file().string()); }
 
-QString Settings::storeSize() const { return QLocale().formattedDataSize(QFileInfo(storeFile()).size(), 1); }
+QString Settings::storeSize() const {
+  // What was written last still stands in the log beside the file.
+  const qint64 bytes = QFileInfo(storeFile()).size() + QFileInfo(storeFile() + QStringLiteral("-wal")).size();
+  return QLocale().formattedDataSize(bytes, 1);
+}
 
-QString Settings::readOnlyReason() const { return QString::fromStdString(session_.cache().readOnlyReason()); }
+QString Settings::readOnlyReason() const { return toQt(session_.cache().readOnlyReason()); }
 
 void Settings::setWork(const QString& work) {
   work_ = work;
@@ -163,7 +167,7 @@ void Settings::backUp(const QUrl& file) {
         if (written) {
           app_.toast(QStringLiteral("Backup written to %1").arg(path), QStringLiteral("ok"));
         } else {
-          fail(QString::fromStdString(written.error().message));
+          fail(toQt(written.error().message));
         }
       });
 }
@@ -192,7 +196,7 @@ void Settings::checkStore() {
       QStringLiteral("Checking the store…"), [&cache = session_.cache()] { return cache.check(); },
       [this](const CacheReport& report) {
         QStringList findings;
-        for (const std::string& finding : report.findings) findings << fromUtf8(finding);
+        for (const std::string& finding : report.findings) findings << toQt(finding);
         checked_ = {{QStringLiteral("sound"), report.sound}, {QStringLiteral("findings"), findings}};
         Q_EMIT workChanged();
       });
@@ -203,7 +207,7 @@ void Settings::resetDemo() {
   store().fillDemoFleet().then(this, [this](const SaveResult& filled) {
     setWork({});
     if (!filled) {
-      fail(QString::fromStdString(filled.error().message));
+      fail(toQt(filled.error().message));
       return;
     }
     session_.openFleet(std::string(AppViewModel::demoPrefix));

@@ -85,7 +85,7 @@ QString VesselList::photoOf(const Uuid& vessel) const {
   const VesselProfile* profile = store_.profileOf(vessel);
   if (!profile || profile->photoPath.empty()) return {};
   const auto file = attachments_.absolute(profile->photoPath);
-  return file ? QUrl::fromLocalFile(QString::fromStdString(file->string())).toString() : QString();
+  return file ? QUrl::fromLocalFile(toQt(file->string())).toString() : QString();
 }
 
 QVariant VesselList::data(const QModelIndex& index, int role) const {
@@ -97,12 +97,12 @@ QVariant VesselList::data(const QModelIndex& index, int role) const {
     case idRole:
       return idText(id);
     case nameRole:
-      return fromUtf8(vessel->name);
+      return toQt(vessel->name);
     case detailRole: {
       QStringList parts;
-      if (!vessel->type.empty()) parts << fromUtf8(vessel->type);
+      if (!vessel->type.empty()) parts << toQt(vessel->type);
       if (vessel->lengthFeet > 0)
-        parts << fromUtf8(formatQuantity(vessel->lengthFeet, 1, format_.numbers())) + QStringLiteral(" ft");
+        parts << toQt(formatQuantity(vessel->lengthFeet, 1, format_.numbers())) + QStringLiteral(" ft");
       return parts.join(QStringLiteral(" · "));
     }
     case photoRole:
@@ -110,8 +110,8 @@ QVariant VesselList::data(const QModelIndex& index, int role) const {
     case registryRole: {
       const VesselProfile* profile = store_.profileOf(id);
       QStringList parts;
-      if (profile && !profile->flag.empty()) parts << fromUtf8(profile->flag);
-      if (profile && !profile->portOfRegistry.empty()) parts << fromUtf8(profile->portOfRegistry);
+      if (profile && !profile->flag.empty()) parts << toQt(profile->flag);
+      if (profile && !profile->portOfRegistry.empty()) parts << toQt(profile->portOfRegistry);
       return parts.join(QStringLiteral(" · "));
     }
     case tasksRole: {
@@ -201,14 +201,14 @@ QVariantMap VesselList::describe(const QString& id) const {
   QVariantList list;
   QVariantList meters;
   for (const HourSource source : vessel->meters())
-    meters.append(fact(fromUtf8(meterLabel(source)), format_.hours(vessel->reading(source))));
+    meters.append(fact(toQt(meterLabel(source)), format_.hours(vessel->reading(source))));
   list.append(QVariantMap{{QStringLiteral("title"), QStringLiteral("Hour meters")}, {QStringLiteral("facts"), meters}});
   const VesselAndProfile both = storedVessel(store_, *vessel);
   const ProfileForm form(both.profile, format_, nullptr);
   for (const Section& section : sections()) {
     QVariantList facts;
     for (const std::string_view name : section.fields) {
-      const QString field = fromUtf8(name);
+      const QString field = toQt(name);
       QString value = form.text(field);
       if (value.isEmpty()) continue;
       const QVariantMap about = form.facts(field);
@@ -220,8 +220,8 @@ QVariantMap VesselList::describe(const QString& id) const {
           QVariantMap{{QStringLiteral("title"), QString::fromUtf16(section.title)}, {QStringLiteral("facts"), facts}});
   }
   return {{QStringLiteral("id"), id},
-          {QStringLiteral("name"), fromUtf8(vessel->name)},
-          {QStringLiteral("notes"), fromUtf8(vessel->notes)},
+          {QStringLiteral("name"), toQt(vessel->name)},
+          {QStringLiteral("notes"), toQt(vessel->notes)},
           {QStringLiteral("photo"), photoOf(vessel->id)},
           {QStringLiteral("sections"), list}};
 }
@@ -229,7 +229,7 @@ QVariantMap VesselList::describe(const QString& id) const {
 QStringList VesselList::whatHangsOn(const QString& id) const {
   QStringList lines;
   if (const auto read = idOf(id)) {
-    for (const std::string& line : store_.whatHangsOn(*read)) lines << fromUtf8(line);
+    for (const std::string& line : store_.whatHangsOn(*read)) lines << toQt(line);
   }
   return lines;
 }
@@ -237,7 +237,7 @@ QStringList VesselList::whatHangsOn(const QString& id) const {
 bool VesselList::isNameOf(const QString& id, const QString& typed) const {
   const auto read = idOf(id);
   const Vessel* vessel = read ? store_.vessels().find(*read) : nullptr;
-  return vessel && foldText(typed.trimmed().toStdString()) == foldText(fromUtf8(vessel->name).trimmed().toStdString());
+  return vessel && foldText(typed.trimmed().toStdString()) == foldText(toQt(vessel->name).trimmed().toStdString());
 }
 
 void VesselList::remove(const QString& id) {

@@ -21,7 +21,7 @@ RecordFormOf<VesselProfile>::Rule parsed(std::string VesselProfile::* field) {
   return [field](const VesselProfile& profile) {
     if ((profile.*field).empty()) return QString();
     const auto read = Value::parse(profile.*field);
-    return read ? QString() : QString::fromStdString(read.error());
+    return read ? QString() : toQt(read.error());
   };
 }
 
@@ -69,7 +69,7 @@ QString VesselSheet::photo() const {
   const std::string& path = profile_.record().photoPath;
   if (path.empty()) return {};
   const auto file = attachments_.absolute(path);
-  return file ? QUrl::fromLocalFile(QString::fromStdString(file->string())).toString() : QString();
+  return file ? QUrl::fromLocalFile(toQt(file->string())).toString() : QString();
 }
 
 void VesselSheet::setPhoto(const QUrl& picture) {
@@ -80,7 +80,7 @@ void VesselSheet::setPhoto(const QUrl& picture) {
   }
   const auto path = attachments_.putFile(kPhotoBucket, std::filesystem::path(file.toStdString()));
   if (!path) {
-    fail(QString::fromStdString(path.error().message));
+    fail(toQt(path.error().message));
     return;
   }
   profile_.edit([&](VesselProfile& profile) { profile.photoPath = *path; });
@@ -89,6 +89,18 @@ void VesselSheet::setPhoto(const QUrl& picture) {
 
 void VesselSheet::removePhoto() {
   profile_.edit([](VesselProfile& profile) { profile.photoPath.clear(); });
+}
+
+QString VesselSheet::error() const {
+  if (marked_ && !(vessel_.valid() && profile_.valid())) {
+    return QStringLiteral("Something has to be put right first: see the marked fields.");
+  }
+  return error_;
+}
+
+QString VesselSheet::firstWrong() const {
+  const QString field = vessel_.firstWrong();
+  return field.isEmpty() ? profile_.firstWrong() : field;
 }
 
 void VesselSheet::fail(const QString& error) {
@@ -100,10 +112,9 @@ QString VesselSheet::vesselId() const { return idText(vessel_.record().id); }
 
 bool VesselSheet::save() {
   const bool vesselRight = vessel_.check();
-  if (!profile_.check() || !vesselRight) {
-    fail(QStringLiteral("Something has to be put right first: see the marked fields."));
-    return false;
-  }
+  marked_ = !profile_.check() || !vesselRight;
+  fail({});
+  if (marked_) return false;
   Edit edit{.label = "“" + vessel_.record().name + (isNew_ ? "” added" : "” changed")};
   VesselProfile profile = profile_.record();
   profile.updatedAt = store_.now();

@@ -46,7 +46,10 @@ class VesselSheet : public QObject {
   bool dirty() const { return vessel_.dirty() || profile_.dirty(); }
   /// The address of the photo; empty without one.
   QString photo() const;
-  QString error() const { return error_; }
+  /// Why the last saving failed; empty once what was wrong has been put right.
+  QString error() const;
+  /// The first field that has to be put right, of the vessel or else of her profile.
+  Q_INVOKABLE QString firstWrong() const;
 
   Q_INVOKABLE void setPhoto(const QUrl& picture);
   Q_INVOKABLE void removePhoto();
@@ -66,6 +69,7 @@ class VesselSheet : public QObject {
   VesselForm vessel_;
   ProfileForm profile_;
   bool isNew_;
+  bool marked_ = false;  ///< the last saving stopped at marked fields
   QString error_;
 };
 

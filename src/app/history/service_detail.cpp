@@ -14,7 +14,7 @@ namespace {
 
 QString fieldLabel(const std::string& field) {
   const FieldFacts* facts = factsOf<ServiceLog>(field);
-  return fromUtf8(facts ? facts->label : std::string_view(field)).remove(QStringLiteral(" (optional)"));
+  return toQt(facts ? facts->label : std::string_view(field)).remove(QStringLiteral(" (optional)"));
 }
 
 /// A correction keeps times in their stored form; people read them as they read every date.
@@ -23,7 +23,7 @@ QString readable(const std::string& field, const std::string& text, const Format
   if (field == "completedDate") {
     if (const auto time = parseTimestamp(text)) return format.dateTime(Format::toQml(*time));
   }
-  return fromUtf8(text);
+  return toQt(text);
 }
 
 }  // namespace
@@ -36,45 +36,44 @@ QVariantMap describeService(const ServiceLog& log, const AppViewModel& store, co
   };
   QVariantList parts;
   for (const PartUsage& part : log.partsUsed) {
-    parts.append(QVariantMap{{QStringLiteral("name"), fromUtf8(part.name)},
-                             {QStringLiteral("number"), fromUtf8(part.partNumber)},
-                             {QStringLiteral("quantity"), fromUtf8(formatQuantity(part.quantity, 3, format.numbers()))},
+    parts.append(QVariantMap{{QStringLiteral("name"), toQt(part.name)},
+                             {QStringLiteral("number"), toQt(part.partNumber)},
+                             {QStringLiteral("quantity"), toQt(formatQuantity(part.quantity, 3, format.numbers()))},
                              {QStringLiteral("cost"), amount(part.cost)}});
   }
   QStringList photos;
   for (const std::string& path : log.photoPaths) {
-    if (const auto file = attachments.absolute(path))
-      photos << QUrl::fromLocalFile(QString::fromStdString(file->string())).toString();
+    if (const auto file = attachments.absolute(path)) photos << QUrl::fromLocalFile(toQt(file->string())).toString();
   }
   QVariantList corrections;
   for (auto correction = log.corrections.rbegin(); correction != log.corrections.rend(); ++correction) {
     QString by = format.dateTime(Format::toQml(correction->at));
-    if (!correction->author.empty()) by += QStringLiteral(" · ") + fromUtf8(correction->author);
+    if (!correction->author.empty()) by += QStringLiteral(" · ") + toQt(correction->author);
     corrections.append(QVariantMap{{QStringLiteral("field"), fieldLabel(correction->field)},
                                    {QStringLiteral("before"), readable(correction->field, correction->before, format)},
                                    {QStringLiteral("after"), readable(correction->field, correction->after, format)},
                                    {QStringLiteral("by"), by},
-                                   {QStringLiteral("reason"), fromUtf8(correction->reason)}});
+                                   {QStringLiteral("reason"), toQt(correction->reason)}});
   }
   const EquipmentItem* equipment = log.equipmentID ? store.equipment().find(*log.equipmentID) : nullptr;
   return {{QStringLiteral("id"), idText(log.id)},
-          {QStringLiteral("title"), fromUtf8(log.taskTitle)},
-          {QStringLiteral("category"), fromUtf8(log.category.display())},
+          {QStringLiteral("title"), toQt(log.taskTitle)},
+          {QStringLiteral("category"), toQt(log.category.display())},
           {QStringLiteral("icon"), categoryIcon(log.category)},
-          {QStringLiteral("kind"), fromUtf8(log.kind.display())},
+          {QStringLiteral("kind"), toQt(log.kind.display())},
           {QStringLiteral("date"), format.dateTime(Format::toQml(log.completedDate))},
           {QStringLiteral("ago"), format.distance(Format::toQml(log.completedDate))},
-          {QStringLiteral("person"), fromUtf8(log.completedBy)},
+          {QStringLiteral("person"), toQt(log.completedBy)},
           {QStringLiteral("hours"), log.engineHoursAtService > 0 ? format.hours(log.engineHoursAtService) : QString()},
-          {QStringLiteral("notes"), fromUtf8(log.technicianNotes)},
+          {QStringLiteral("notes"), toQt(log.technicianNotes)},
           {QStringLiteral("labour"), amount(log.cost)},
           {QStringLiteral("parts"), parts},
           {QStringLiteral("partsCost"), amount(partsCost(log))},
           {QStringLiteral("total"), amount(totalCost(log))},
-          {QStringLiteral("currency"), fromUtf8(currency)},
+          {QStringLiteral("currency"), toQt(currency)},
           {QStringLiteral("photos"), photos},
           {QStringLiteral("corrections"), corrections},
-          {QStringLiteral("equipment"), equipment ? fromUtf8(recordName(*equipment)) : QString()},
+          {QStringLiteral("equipment"), equipment ? toQt(recordName(*equipment)) : QString()},
           {QStringLiteral("taskId"), store.tasks().find(log.taskID) ? idText(log.taskID) : QString()}};
 }
 

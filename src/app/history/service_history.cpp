@@ -97,13 +97,13 @@ QVariantMap ServiceHistory::readCsv(const QUrl& file) {
   ServiceCsvImport import = serviceLogsFromCsv(text, *vessel, store_.calendar());
   if (import.logs.empty() && import.skipped == 0) {
     return fault(import.problems.empty() ? QStringLiteral("The file holds no services.")
-                                         : fromUtf8(import.problems.front().message));
+                                         : toQt(import.problems.front().message));
   }
   const std::size_t inFile = import.logs.size();
   read_ = withoutKnown(std::move(import.logs), *vessel);
   QStringList problems;
   for (const ServiceCsvProblem& problem : import.problems)
-    problems << QStringLiteral("Line %1: %2").arg(problem.line).arg(fromUtf8(problem.message));
+    problems << QStringLiteral("Line %1: %2").arg(problem.line).arg(toQt(problem.message));
   return {{QStringLiteral("summary"), QStringLiteral("%1 new, %2 already in the history, %3 skipped")
                                           .arg(read_.size())
                                           .arg(inFile - read_.size())
@@ -137,7 +137,7 @@ void ServiceHistory::importServices() {
 
 QString ServiceHistory::exportName() const {
   const Vessel* vessel = store_.selectedVessel();
-  return fileNameFor(QStringLiteral("service-history"), vessel ? fromUtf8(vessel->name) : QString(), store_.now(),
+  return fileNameFor(QStringLiteral("service-history"), vessel ? toQt(vessel->name) : QString(), store_.now(),
                      store_.calendar(), QStringLiteral("csv"));
 }
 

@@ -82,14 +82,14 @@ void ServiceHistoryModel::readChoices() {
     ++total_;
     if (log.category.isKnown()) used[log.category.order()] = true;
   }
-  categories_ = {option({}, QStringLiteral("All categories"))};
+  categories_ = {option({}, QStringLiteral("All Categories"))};
   for (const TaskCategory category : allCases<TaskCategory>()) {
     if (used[static_cast<std::size_t>(category)])
-      categories_.append(option(fromUtf8(rawText(category)), fromUtf8(displayText(category)), categoryIcon(category)));
+      categories_.append(option(toQt(rawText(category)), toQt(displayText(category)), categoryIcon(category)));
   }
   people_ = {option({}, QStringLiteral("Everybody"))};
   for (const std::string& name : peopleOfServices(logs, *filter_.vesselID))
-    people_.append(option(fromUtf8(name), fromUtf8(name)));
+    people_.append(option(toQt(name), toQt(name)));
 }
 
 // ---- what is asked for ----
@@ -106,9 +106,7 @@ void ServiceHistoryModel::setSearch(const QString& search) {
   changeQuery();
 }
 
-QString ServiceHistoryModel::category() const {
-  return filter_.category ? fromUtf8(filter_.category->raw()) : QString();
-}
+QString ServiceHistoryModel::category() const { return filter_.category ? toQt(filter_.category->raw()) : QString(); }
 
 void ServiceHistoryModel::setCategory(const QString& category) {
   filter_.category.reset();
@@ -116,7 +114,7 @@ void ServiceHistoryModel::setCategory(const QString& category) {
   changeQuery();
 }
 
-QString ServiceHistoryModel::kind() const { return filter_.kind ? fromUtf8(filter_.kind->raw()) : QString(); }
+QString ServiceHistoryModel::kind() const { return filter_.kind ? toQt(filter_.kind->raw()) : QString(); }
 
 void ServiceHistoryModel::setKind(const QString& kind) {
   filter_.kind.reset();
@@ -124,7 +122,7 @@ void ServiceHistoryModel::setKind(const QString& kind) {
   changeQuery();
 }
 
-QString ServiceHistoryModel::period() const { return fromUtf8(rawText(period_)); }
+QString ServiceHistoryModel::period() const { return toQt(rawText(period_)); }
 
 void ServiceHistoryModel::setPeriod(const QString& period) {
   period_ = caseFromRaw<ServicePeriod>(period.toStdString()).value_or(ServicePeriod::all);
@@ -141,7 +139,7 @@ bool ServiceHistoryModel::filtered() const {
   return filter_.category || filter_.kind || filter_.person || period_ != ServicePeriod::all || !filter_.search.empty();
 }
 
-QString ServiceHistoryModel::sortField() const { return fromUtf8(rawText(sort_)); }
+QString ServiceHistoryModel::sortField() const { return toQt(rawText(sort_)); }
 
 void ServiceHistoryModel::sortBy(const QString& sort, bool descending) {
   sort_ = caseFromRaw<ServiceHistorySort>(sort.toStdString()).value_or(ServiceHistorySort::date);
@@ -180,7 +178,7 @@ QVariantMap ServiceHistoryModel::costs() const {
           {QStringLiteral("labour"), amount(costs_.labour)},
           {QStringLiteral("parts"), amount(costs_.parts)},
           {QStringLiteral("total"), amount(costs_.total())},
-          {QStringLiteral("currency"), fromUtf8(currency())}};
+          {QStringLiteral("currency"), toQt(currency())}};
 }
 
 QVariantList ServiceHistoryModel::years() const {
@@ -211,9 +209,9 @@ QVariant ServiceHistoryModel::data(const QModelIndex& index, int role) const {
     case yearRole:
       return QString::number(static_cast<int>(store_.calendar().date(log.completedDate).year()));
     case titleRole:
-      return fromUtf8(log.taskTitle);
+      return toQt(log.taskTitle);
     case categoryRole:
-      return fromUtf8(log.category.display());
+      return toQt(log.category.display());
     case iconRole:
       return categoryIcon(log.category);
     case kindRole:
@@ -221,14 +219,13 @@ QVariant ServiceHistoryModel::data(const QModelIndex& index, int role) const {
     case hoursRole:
       return log.engineHoursAtService > 0 ? format_.hours(log.engineHoursAtService) : QString();
     case personRole:
-      return fromUtf8(log.completedBy);
+      return toQt(log.completedBy);
     case notesRole:
-      return fromUtf8(log.technicianNotes).simplified();
+      return toQt(log.technicianNotes).simplified();
     case partsRole: {
       QStringList parts;
       for (const PartUsage& part : log.partsUsed)
-        parts << fromUtf8(formatQuantity(part.quantity, 3, format_.numbers())) + QStringLiteral(" × ") +
-                     fromUtf8(part.name);
+        parts << toQt(formatQuantity(part.quantity, 3, format_.numbers())) + QStringLiteral(" × ") + toQt(part.name);
       return parts.join(QStringLiteral(", "));
     }
     case labourRole:

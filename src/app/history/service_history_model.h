@@ -6,6 +6,7 @@
 
 #include "app/app_controller.h"
 #include "app/format.h"
+#include "app/text.h"
 #include "core/service_history.h"
 #include "store/app_view_model.h"
 
@@ -44,7 +45,7 @@ class ServiceHistoryModel : public QAbstractListModel {
   /// Services of the vessel, whatever the filter.
   int total() const { return total_; }
 
-  QString search() const { return QString::fromStdString(filter_.search); }
+  QString search() const { return toQt(filter_.search); }
   void setSearch(const QString& search);
   /// Stored texts; empty for all.
   QString category() const;
@@ -53,7 +54,7 @@ class ServiceHistoryModel : public QAbstractListModel {
   void setKind(const QString& kind);
   QString period() const;
   void setPeriod(const QString& period);
-  QString person() const { return QString::fromStdString(filter_.person.value_or(std::string())); }
+  QString person() const { return toQt(filter_.person.value_or(std::string())); }
   void setPerson(const QString& person);
   bool filtered() const;
   QString sortField() const;

@@ -24,7 +24,7 @@ constexpr qint64 kMostBytes = 256 * 1024 * 1024;  ///< of a file
 /// The beginning of a text, up to a line's end, short enough for the text area.
 QString beginning(const std::string& text) {
   const std::size_t end = text.rfind('\n', static_cast<std::size_t>(kMostInArea) / 4);
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(end == std::string::npos ? kMostInArea / 4 : end));
+  return toQt(std::string_view(text).substr(0, end == std::string::npos ? kMostInArea / 4 : end));
 }
 
 }  // namespace
@@ -58,12 +58,12 @@ void TaskImport::setText(const QString& text) {
   readSoon();
 }
 
-QString TaskImport::referenceTitle() const { return fromUtf8(taskCsvTexts().referenceTitle); }
-QString TaskImport::reference() const { return fromUtf8(taskCsvTexts().reference); }
+QString TaskImport::referenceTitle() const { return toQt(taskCsvTexts().referenceTitle); }
+QString TaskImport::reference() const { return toQt(taskCsvTexts().reference); }
 
 void TaskImport::loadSample() {
   heldFile_.clear();
-  setText(fromUtf8(taskCsvTexts().sample));
+  setText(toQt(taskCsvTexts().sample));
 }
 
 void TaskImport::clear() {
@@ -81,7 +81,7 @@ void TaskImport::clear() {
 void TaskImport::hold(std::string text, const QString& name) {
   if (static_cast<qsizetype>(text.size()) <= kMostInArea) {
     heldFile_.clear();
-    setText(QString::fromStdString(text));
+    setText(toQt(text));
     return;
   }
   heldFile_ = name + QStringLiteral(" · ") + QLocale().formattedDataSize(static_cast<qint64>(text.size()), 1);
@@ -181,11 +181,11 @@ QString TaskImport::skippedText() const {
 
 QString TaskImport::importText() const { return QStringLiteral("Import %1 tasks").arg(valid()); }
 
-QString TaskImport::problem() const { return source_->empty() ? QString() : fromUtf8(preview_->problem); }
+QString TaskImport::problem() const { return source_->empty() ? QString() : toQt(preview_->problem); }
 
 QString TaskImport::remark() const {
   QStringList names;
-  for (const std::string& name : preview_->ignoredColumns) names << fromUtf8(name);
+  for (const std::string& name : preview_->ignoredColumns) names << toQt(name);
   return names.isEmpty() ? QString() : QStringLiteral("Columns that are not read: ") + names.join(QStringLiteral(", "));
 }
 
@@ -199,9 +199,9 @@ QVariant TaskImport::data(const QModelIndex& index, int role) const {
     case lineRole:
       return static_cast<qlonglong>(row.line);
     case titleRole:
-      return fromUtf8(previewTitle(row));
+      return toQt(previewTitle(row));
     case categoryRole:
-      return row.category ? fromUtf8(row.category->display()) : QString();
+      return row.category ? toQt(row.category->display()) : QString();
     case iconRole:
       return row.category ? categoryIcon(*row.category) : QString();
     case dueRole: {
@@ -210,17 +210,19 @@ QVariant TaskImport::data(const QModelIndex& index, int role) const {
       if (row.dueAtHours) due << format_.hours(*row.dueAtHours);
       return due.join(QStringLiteral(" or "));
     }
-    case intervalRole:
-      return fromUtf8(intervalText(row.recurringDays, row.recurringHours));
+    case intervalRole: {
+      const std::string interval = intervalText(row.recurringDays, row.recurringHours);
+      return interval.empty() ? QString() : QStringLiteral("every ") + toQt(interval);
+    }
     case meterRole:
-      return row.triggerType == TriggerType::date ? QString() : fromUtf8(row.hourSource.display());
+      return row.triggerType == TriggerType::date ? QString() : toQt(row.hourSource.display());
     case notesRole:
-      return fromUtf8(row.notes).simplified();
+      return toQt(row.notes).simplified();
     case validRole:
       return row.valid;
     case problemsRole: {
       QStringList problems;
-      for (const std::string& problem : row.problems) problems << fromUtf8(problem);
+      for (const std::string& problem : row.problems) problems << toQt(problem);
       return problems.join(u' ');
     }
     default:
@@ -245,7 +247,7 @@ bool TaskImport::importTasks() {
   for (MaintenanceTask& task : tasksFromRows(preview_->rows, *vessel, store_.now(), store_.calendar()))
     edit.add(std::move(task));
   edit.label = std::to_string(edit.changes.size()) + " tasks imported to “" + vessel->name + "”";
-  const QString label = fromUtf8(edit.label);
+  const QString label = toQt(edit.label);
   if (const QString refusal = refusalOf(store_.apply(std::move(edit))); !refusal.isEmpty()) {
     setError(refusal + QStringLiteral(" The text stays here."));
     return false;

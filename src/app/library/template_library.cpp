@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kShownDues = 6;
 
-QString folded(const std::string& title) { return QString::fromStdString(foldText(title)); }
+QString folded(const std::string& title) { return toQt(foldText(title)); }
 
 }  // namespace
 
@@ -193,7 +193,7 @@ void TemplateLibrary::setLastDoneHours(const QString& hours) {
 QString TemplateLibrary::lastDoneHoursMessage() const {
   if (lastDoneHours_.trimmed().isEmpty()) return {};
   const auto read = parseNumber(lastDoneHours_.toStdString(), format_.numbers());
-  if (!read) return QString::fromStdString(read.error());
+  if (!read) return toQt(read.error());
   return *read < 0 ? QStringLiteral("A meter reading is not below zero.") : QString();
 }
 
@@ -214,9 +214,9 @@ QVariantList TemplateLibrary::firstDue() const {
     QStringList due;
     if (task.dueDate) due << format_.date(Format::toQml(*task.dueDate));
     if (task.dueAtEngineHours) due << format_.hours(*task.dueAtEngineHours);
-    list.append(QVariantMap{{QStringLiteral("title"), fromUtf8(made.title)},
+    list.append(QVariantMap{{QStringLiteral("title"), toQt(made.title)},
                             {QStringLiteral("due"), due.join(QStringLiteral(" or "))},
-                            {QStringLiteral("proposed"), fromUtf8(proposedHoursText(made))}});
+                            {QStringLiteral("proposed"), toQt(proposedHoursText(made))}});
     if (list.size() == kShownDues) break;
   }
   return list;
@@ -224,7 +224,7 @@ QVariantList TemplateLibrary::firstDue() const {
 
 QString TemplateLibrary::vesselName() const {
   const Vessel* vessel = store_.selectedVessel();
-  return vessel ? fromUtf8(vessel->name) : QString();
+  return vessel ? toQt(vessel->name) : QString();
 }
 
 bool TemplateLibrary::addToTasks() {
@@ -243,7 +243,7 @@ bool TemplateLibrary::addToTasks() {
                             .arg(edit.changes.size())
                             .arg(edit.changes.size() == 1 ? QStringLiteral("task") : QStringLiteral("tasks"));
   edit.label = count.toStdString() + " added to “" + vessel->name + "”";
-  const QString label = fromUtf8(edit.label);
+  const QString label = toQt(edit.label);
   if (const QString refusal = refusalOf(store_.apply(std::move(edit))); !refusal.isEmpty()) {
     app_.toast(refusal, QStringLiteral("overdue"));
     return false;
@@ -264,17 +264,17 @@ QVariant TemplateLibrary::data(const QModelIndex& index, int role) const {
     case idRole:
       return idText(made.id);
     case titleRole:
-      return fromUtf8(made.title);
+      return toQt(made.title);
     case categoryRole:
-      return fromUtf8(made.category.display());
+      return toQt(made.category.display());
     case iconRole:
       return categoryIcon(made.category);
     case intervalRole:
-      return fromUtf8(repeatText(made));
+      return toQt(repeatText(made));
     case proposedRole:
-      return fromUtf8(proposedHoursText(made));
+      return toQt(proposedHoursText(made));
     case notesRole:
-      return fromUtf8(made.notes);
+      return toQt(made.notes);
     case chosenRole:
       return chosen_.contains(idText(made.id));
     case remarkRole:

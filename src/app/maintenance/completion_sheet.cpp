@@ -9,6 +9,7 @@
 #include "app/maintenance/task_texts.h"
 #include "base/number_format.h"
 #include "base/search_text.h"
+#include "core/report_basics.h"
 
 namespace thalvorn::app {
 
@@ -34,11 +35,11 @@ PartField::PartField(const Format& format, QObject* parent)
 QString PartField::message() const {
   if (empty()) return {};
   const auto amount = thalvorn::parseNumber(quantity.toStdString(), format_.numbers());
-  if (!amount) return QString::fromStdString(amount.error());
+  if (!amount) return toQt(amount.error());
   if (*amount < 0) return QStringLiteral("A quantity is 0 or more.");
   if (cost.trimmed().isEmpty()) return {};
   const auto price = thalvorn::parseNumber(cost.toStdString(), format_.numbers());
-  if (!price) return QString::fromStdString(price.error());
+  if (!price) return toQt(price.error());
   return *price < 0 ? QStringLiteral("A cost is 0 or more.") : QString();
 }
 
@@ -63,6 +64,7 @@ CompletionSheet::CompletionSheet(AppViewModel& store, const Format& format, cons
       taskID_(taskID),
       opened_(store.now()),
       doneOn_(opened_) {
+  connect(this, &CompletionSheet::changed, this, &CompletionSheet::errorChanged);
   const MaintenanceTask* task = this->task();
   const Vessel* vessel = task ? store_.vessels().find(task->vesselID) : nullptr;
   if (!vessel) return;
@@ -100,8 +102,14 @@ std::optional<double> CompletionSheet::laborCost() const {
 QString CompletionSheet::laborMessage() const {
   if (labor_.trimmed().isEmpty()) return {};
   const auto cost = thalvorn::parseNumber(labor_.toStdString(), format_.numbers());
-  if (!cost) return QString::fromStdString(cost.error());
+  if (!cost) return toQt(cost.error());
   return *cost < 0 ? QStringLiteral("A cost is 0 or more.") : QString();
+}
+
+QString CompletionSheet::currency() const {
+  const MaintenanceTask* one = task();
+  const VesselProfile* profile = one ? store_.profileOf(one->vesselID) : nullptr;
+  return toQt(costCurrency(profile ? *profile : VesselProfile()));
 }
 
 QVariantList CompletionSheet::equipment() const {
@@ -216,7 +224,7 @@ QString CompletionSheet::nextDue() const {
   const Vessel* vessel = one ? store_.vessels().find(one->vesselID) : nullptr;
   if (!vessel) return {};
   const Calendar calendar = store_.calendar();
-  return QString::fromStdString(nextDueText(previewNextDue(*one, *vessel, form(), store_.now(), calendar), calendar));
+  return toQt(nextDueText(previewNextDue(*one, *vessel, form(), store_.now(), calendar), calendar));
 }
 
 bool CompletionSheet::dirty() const {
@@ -226,17 +234,25 @@ bool CompletionSheet::dirty() const {
          std::ranges::any_of(parts_, [](const PartField* part) { return !part->empty(); });
 }
 
+bool CompletionSheet::wrong() const {
+  return !doneOnMessage().isEmpty() || !laborMessage().isEmpty() || std::ranges::any_of(meters_, &MeterField::wrong) ||
+         std::ranges::any_of(parts_, [](const PartField* part) { return !part->message().isEmpty(); });
+}
+
+QString CompletionSheet::error() const {
+  return marked_ && wrong() ? QStringLiteral("Something has to be put right first: see the marked fields.") : error_;
+}
+
 bool CompletionSheet::save() {
-  const bool wrong = !doneOnMessage().isEmpty() || !laborMessage().isEmpty() ||
-                     std::ranges::any_of(meters_, &MeterField::wrong) ||
-                     std::ranges::any_of(parts_, [](const PartField* part) { return !part->message().isEmpty(); });
-  if (wrong) {
-    setError(QStringLiteral("Something has to be put right first: see the marked fields."));
+  marked_ = wrong();
+  if (marked_) {
+    error_.clear();
+    Q_EMIT errorChanged();
     return false;
   }
   const Saving saving = store_.completeTask(taskID_, form());
   if (saving.isFinished() && !saving.result()) {
-    setError(QString::fromStdString(saving.result().error().message));
+    setError(toQt(saving.result().error().message));
     return false;
   }
   setError({});

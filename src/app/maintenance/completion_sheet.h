@@ -50,6 +50,7 @@ class CompletionSheet : public QObject {
   Q_PROPERTY(QString completedBy MEMBER completedBy_ NOTIFY changed)
   Q_PROPERTY(QString labor MEMBER labor_ NOTIFY changed)
   Q_PROPERTY(QString laborMessage READ laborMessage NOTIFY changed)
+  Q_PROPERTY(QString currency READ currency CONSTANT)
   Q_PROPERTY(QString notes MEMBER notes_ NOTIFY changed)
   Q_PROPERTY(QString equipmentId MEMBER equipmentId_ NOTIFY changed)
   Q_PROPERTY(QVariantList equipment READ equipment CONSTANT)
@@ -71,6 +72,8 @@ class CompletionSheet : public QObject {
   void setDoneOn(const QDateTime& time);
   QString doneOnMessage() const;
   QString laborMessage() const;
+  /// The code of the currency of the vessel's costs.
+  QString currency() const;
   /// The vessel's equipment: [{value: id, text}], after a line for none; empty when the register is.
   QVariantList equipment() const;
   /// Who may have done it: the crew aboard, then names of earlier services: [{name, detail}].
@@ -81,8 +84,8 @@ class CompletionSheet : public QObject {
   QStringList photos() const;
   /// "Next due: 5,312.9 h or 21 Nov 2027".
   QString nextDue() const;
-  /// Why it could not be saved or a photo not be added.
-  QString error() const { return error_; }
+  /// Why it could not be saved or a photo not be added; empty once the marked fields have been put right.
+  QString error() const;
   bool dirty() const;
 
   /// Adds an empty line and returns its position.
@@ -103,6 +106,8 @@ class CompletionSheet : public QObject {
   const MaintenanceTask* task() const { return store_.tasks().find(taskID_); }
   std::optional<double> laborCost() const;
   CompletionForm form() const;
+  /// Whether a field has a message that keeps the sheet from being saved.
+  bool wrong() const;
   void setError(const QString& error);
 
   AppViewModel& store_;
@@ -118,6 +123,7 @@ class CompletionSheet : public QObject {
   std::vector<MeterField*> meters_;
   std::vector<PartField*> parts_;
   std::vector<std::string> photos_;
+  bool marked_ = false;  ///< the last saving stopped at marked fields
   QString error_;
 };
 

@@ -6,6 +6,7 @@
 
 #include "app/maintenance/task_texts.h"
 #include "base/date_format.h"
+#include "core/report_basics.h"
 
 namespace thalvorn::app {
 
@@ -74,8 +75,7 @@ void Dashboard::refreshSoon() {
 void Dashboard::refreshNow() {
   stale_ = false;
   const AppViewModel& store = watch_.store();
-  greeting_ = greetingAt(watch_.calendar().local(watch_.now()),
-                         QString::fromStdString(store.displayName()).section(u' ', 0, 0));
+  greeting_ = greetingAt(watch_.calendar().local(watch_.now()), toQt(store.displayName()).section(u' ', 0, 0));
   const Vessel* vessel = store.selectedVessel();
   hasVessel_ = vessel != nullptr;
   const Uuid id = vessel ? vessel->id : Uuid{};
@@ -138,11 +138,10 @@ void Dashboard::readMeters(const Vessel& vessel) {
     meters_.append(QVariantMap{{QStringLiteral("label"), toQt(meterLabel(source))},
                                {QStringLiteral("value"), format_.number(vessel.reading(source), 1)}});
   }
-  metersUpdated_ =
-      vessel.engineHoursUpdatedAt
-          ? QStringLiteral("Updated ") +
-                QString::fromStdString(formatDistance(*vessel.engineHoursUpdatedAt, watch_.now(), watch_.calendar()))
-          : QStringLiteral("Never updated");
+  metersUpdated_ = vessel.engineHoursUpdatedAt
+                       ? QStringLiteral("Updated ") +
+                             toQt(formatDistance(*vessel.engineHoursUpdatedAt, watch_.now(), watch_.calendar()))
+                       : QStringLiteral("Never updated");
 }
 
 void Dashboard::readAttention(const Vessel& vessel) {
@@ -193,8 +192,7 @@ void Dashboard::readAttention(const Vessel& vessel) {
     attention_.append(attentionItem(
         u"bell-z", counted(snoozed.size(), u"snoozed task", u"snoozed tasks"),
         QStringLiteral("%1 returns %2")
-            .arg(toQt(next->title),
-                 QString::fromStdString(formatDistance(*next->snoozedUntil, watch_.now(), watch_.calendar()))),
+            .arg(toQt(next->title), toQt(formatDistance(*next->snoozedUntil, watch_.now(), watch_.calendar()))),
         u"taskLibrary", task(next)));
   }
   if (!withoutDue.empty()) {
@@ -228,9 +226,11 @@ void Dashboard::readWorkDone(const Uuid& vessel) {
     ++all.jobs;
     all.cost += cost;
   }
+  const VesselProfile* profile = watch_.store().profileOf(vessel);
+  const QString currency = toQt(costCurrency(profile ? *profile : VesselProfile()));
   const auto told = [&](const Month& month) {
     QString text = counted(static_cast<std::size_t>(month.jobs), u"job", u"jobs");
-    if (month.cost > 0) text += QStringLiteral(" · ") + format_.money(month.cost);
+    if (month.cost > 0) text += QStringLiteral(" · ") + format_.money(month.cost, currency);
     return text;
   };
   workDone_.clear();

@@ -79,7 +79,7 @@ bool HoursEditor::save() {
     for (const MeterField* meter : meters_) readings.push_back(meter->reading());
     const Saving saving = store_.updateMeters(vesselID_, readings);
     if (saving.isFinished() && !saving.result()) {
-      error_ = QString::fromStdString(saving.result().error().message);
+      error_ = toQt(saving.result().error().message);
     }
   }
   Q_EMIT changed();
@@ -90,11 +90,11 @@ QString HoursEditor::adjust(const QString& source, const QString& change, const 
   const auto meter = caseFromRaw<HourSource>(source.toStdString());
   const auto kind = caseFromRaw<MeterChange>(change.toStdString());
   const auto value = thalvorn::parseNumber(hours.toStdString(), format_.numbers());
-  if (!value) return QString::fromStdString(value.error());
+  if (!value) return toQt(value.error());
   if (!meter || !kind) return QStringLiteral("Choose a meter.");
   const Saving saving = store_.correctMeter(
       vesselID_, *kind, {.source = *meter, .hours = *value, .reason = reason.trimmed().toStdString()});
-  if (saving.isFinished() && !saving.result()) return QString::fromStdString(saving.result().error().message);
+  if (saving.isFinished() && !saving.result()) return toQt(saving.result().error().message);
 
   // What was typed into the other meters stays.
   std::vector<std::pair<QString, QString>> typed;

@@ -145,7 +145,7 @@ void MaintenanceController::deleteTask(const QString& taskId) {
   if (!task) return;
   const Saving saving = watch_.store().remove<MaintenanceTask>(task->id);
   if (saving.isFinished() && !saving.result()) {
-    app_.toast(QString::fromStdString(saving.result().error().message), QStringLiteral("overdue"));
+    app_.toast(toQt(saving.result().error().message), QStringLiteral("overdue"));
   }
 }
 

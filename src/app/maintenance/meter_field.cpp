@@ -23,12 +23,12 @@ void MeterField::setText(const QString& text) {
     const auto hours = thalvorn::parseNumber(text.toStdString(), format_.numbers());
     if (!hours) {
       wrong_ = true;
-      message_ = QString::fromStdString(hours.error());
+      message_ = toQt(hours.error());
     } else {
       hours_ = *hours;
       if (const auto notice = checkReading(vessel_, source_, *hours, format_.clock().now())) {
         wrong_ = notice->finding == MeterFinding::notANumber;
-        message_ = QString::fromStdString(noticeText(*notice));
+        message_ = toQt(noticeText(*notice));
       }
       const double more = *hours - vessel_.reading(source_);
       if (more > 0) gain_ = QStringLiteral("+%1 h").arg(format_.number(more, 1));

@@ -3,6 +3,8 @@
 #include <QFileInfo>
 #include <QImageReader>
 
+#include "app/text.h"
+
 namespace thalvorn::app {
 
 std::expected<std::string, QString> keepPhoto(const AttachmentStore& attachments, const QUrl& picture) {
@@ -13,13 +15,13 @@ std::expected<std::string, QString> keepPhoto(const AttachmentStore& attachments
     return std::unexpected(QStringLiteral("“%1” is not a picture that can be read.").arg(name));
   }
   auto path = attachments.putFile("task_photos", std::filesystem::path(file.toStdString()));
-  if (!path) return std::unexpected(QString::fromStdString(path.error().message));
+  if (!path) return std::unexpected(toQt(path.error().message));
   return *path;
 }
 
 QString photoAddress(const AttachmentStore& attachments, const std::string& path) {
   const auto file = attachments.absolute(path);
-  return file ? QUrl::fromLocalFile(QString::fromStdString(file->string())).toString() : QString();
+  return file ? QUrl::fromLocalFile(toQt(file->string())).toString() : QString();
 }
 
 }  // namespace thalvorn::app

@@ -56,10 +56,9 @@ QVariantList SnoozeSheet::periods() const {
   const Calendar calendar = store_.calendar();
   for (const Period& period : kPeriods) {
     const Timestamp end = endOf(period, store_.now(), calendar);
-    list.append(
-        QVariantMap{{QStringLiteral("value"), QString::fromUtf16(period.value)},
-                    {QStringLiteral("text"), QString::fromUtf16(period.text)},
-                    {QStringLiteral("detail"), QString::fromStdString(formatDue(end, store_.now(), calendar))}});
+    list.append(QVariantMap{{QStringLiteral("value"), QString::fromUtf16(period.value)},
+                            {QStringLiteral("text"), QString::fromUtf16(period.text)},
+                            {QStringLiteral("detail"), toQt(formatDue(end, store_.now(), calendar))}});
   }
   list.append(QVariantMap{{QStringLiteral("value"), QString::fromUtf16(kOwnDate)},
                           {QStringLiteral("text"), QStringLiteral("Until a date")},
@@ -90,7 +89,7 @@ QString SnoozeSheet::message() const {
 
 bool SnoozeSheet::done(const Saving& saving) {
   if (saving.isFinished() && !saving.result()) {
-    error_ = QString::fromStdString(saving.result().error().message);
+    error_ = toQt(saving.result().error().message);
     Q_EMIT changed();
     return false;
   }

@@ -78,8 +78,7 @@ void TaskDetail::read() {
              {QStringLiteral("snoozed"), reason.snoozed},
              {QStringLiteral("completed"), task->isCompleted},
              {QStringLiteral("high"), task->priority == TaskPriority::high},
-             {QStringLiteral("reason"),
-              QString::fromStdString(reasonText(*task, reason, vessel, watch_.now(), watch_.calendar()))},
+             {QStringLiteral("reason"), toQt(reasonText(*task, reason, vessel, watch_.now(), watch_.calendar()))},
              {QStringLiteral("meterMissing"), reason.meterMissing},
              {QStringLiteral("photos"), photos}};
     readFacts(*task, vessel);
@@ -90,7 +89,7 @@ void TaskDetail::read() {
 }
 
 void TaskDetail::readFacts(const MaintenanceTask& task, const Vessel& vessel) {
-  const auto day = [&](Timestamp time) { return QString::fromStdString(formatDate(watch_.calendar().date(time))); };
+  const auto day = [&](Timestamp time) { return toQt(formatDate(watch_.calendar().date(time))); };
   if (task.dueAtEngineHours) {
     const double target = *task.dueAtEngineHours;
     const double reading = vessel.reading(task.hourSource);
@@ -98,17 +97,16 @@ void TaskDetail::readFacts(const MaintenanceTask& task, const Vessel& vessel) {
     facts_.append(fact(u"Now", format_.hours(reading)));
     if (target > reading) {
       const double pace = watch_.fleet().meters(task.vesselID).pace(task.hourSource);
-      facts_.append(fact(u"Expected",
-                         QString::fromStdString(aboutDate(projectedDate(target, reading, pace, watch_.now()),
-                                                          watch_.now(), watch_.calendar())),
-                         QStringLiteral("at %1 h a day").arg(format_.number(pace, 1))));
+      facts_.append(
+          fact(u"Expected",
+               toQt(aboutDate(projectedDate(target, reading, pace, watch_.now()), watch_.now(), watch_.calendar())),
+               QStringLiteral("at %1 h a day").arg(format_.number(pace, 1))));
     }
   }
   if (task.dueDate) {
     const bool near = std::chrono::abs(*task.dueDate - watch_.now()) <= std::chrono::days(30);
-    facts_.append(fact(
-        task.dueAtEngineHours ? u"Or by" : u"Due", day(*task.dueDate),
-        near ? QString::fromStdString(formatDistance(*task.dueDate, watch_.now(), watch_.calendar())) : QString()));
+    facts_.append(fact(task.dueAtEngineHours ? u"Or by" : u"Due", day(*task.dueDate),
+                       near ? toQt(formatDistance(*task.dueDate, watch_.now(), watch_.calendar())) : QString()));
   }
   if (!task.dueDate && !task.dueAtEngineHours) facts_.append(fact(u"Due", QStringLiteral("No due point")));
   facts_.append(
@@ -127,7 +125,7 @@ void TaskDetail::readHistory(const MaintenanceTask& task) {
   std::ranges::sort(logs, std::ranges::greater(), [](const ServiceLog* log) { return log->completedDate; });
   historyTotal_ = static_cast<int>(logs.size());
   for (const ServiceLog* log : logs | std::views::take(kServicesShown)) {
-    QString title = QString::fromStdString(formatDate(watch_.calendar().date(log->completedDate)));
+    QString title = toQt(formatDate(watch_.calendar().date(log->completedDate)));
     if (log->engineHoursAtService > 0) {
       title = format_.hours(log->engineHoursAtService) + QStringLiteral(" · ") + title;
     }

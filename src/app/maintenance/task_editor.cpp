@@ -83,16 +83,12 @@ QString TaskEditor::meterHint() const {
 
 QString TaskEditor::dateProposal() const {
   const auto days = daysOf(record());
-  return days && planned()
-             ? QStringLiteral("Set to today + ") + QString::fromStdString(intervalText(days, std::nullopt))
-             : QString();
+  return days && planned() ? QStringLiteral("Set to today + ") + toQt(intervalText(days, std::nullopt)) : QString();
 }
 
 QString TaskEditor::hoursProposal() const {
   const auto hours = hoursOf(record());
-  return hours && planned()
-             ? QStringLiteral("Set to current + ") + QString::fromStdString(intervalText(std::nullopt, hours))
-             : QString();
+  return hours && planned() ? QStringLiteral("Set to current + ") + toQt(intervalText(std::nullopt, hours)) : QString();
 }
 
 void TaskEditor::takeDateProposal() {
@@ -152,7 +148,7 @@ bool TaskEditor::save() {
   }
   const Saving saving = isNew_ ? store_.add(std::move(task)) : store_.update(std::move(task));
   if (saving.isFinished() && !saving.result()) {
-    setError(QString::fromStdString(saving.result().error().message));
+    setError(toQt(saving.result().error().message));
     return false;
   }
   return true;

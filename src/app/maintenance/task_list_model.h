@@ -69,6 +69,8 @@ class TaskListModel : public QAbstractListModel {
   void setGrouped(bool grouped);
   /// Whether the user has narrowed the list by search, status, kind or category.
   bool narrowed() const;
+  /// All that the list asks for.
+  const TaskQuery& query() const { return query_; }
 
   /// Tasks found, those under folded headings included.
   int total() const { return static_cast<int>(found_.size()); }

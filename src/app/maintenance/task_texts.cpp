@@ -44,20 +44,20 @@ constexpr std::array<std::string_view, caseCount<TaskKind>> kKindWords{"Planned"
 }  // namespace
 
 QString statusWord(TaskStatus status, bool snoozed) {
-  return snoozed ? QStringLiteral("Snoozed") : fromUtf8(displayText(status));
+  return snoozed ? QStringLiteral("Snoozed") : toQt(displayText(status));
 }
 
-QString kindWord(Choice<TaskKind> kind) { return fromUtf8(kind.isKnown() ? kKindWords[kind.order()] : kind.display()); }
+QString kindWord(Choice<TaskKind> kind) { return toQt(kind.isKnown() ? kKindWords[kind.order()] : kind.display()); }
 
 QString categoryIcon(Choice<TaskCategory> category) {
-  return fromUtf8(kCategoryIcons[static_cast<std::size_t>(category.knownOr(TaskCategory::other))]);
+  return toQt(kCategoryIcons[static_cast<std::size_t>(category.knownOr(TaskCategory::other))]);
 }
 
 QVariantList categoryOptions() {
   QVariantList options;
   for (const TaskCategory category : allCases<TaskCategory>()) {
-    options.append(QVariantMap{{QStringLiteral("value"), fromUtf8(rawText(category))},
-                               {QStringLiteral("text"), fromUtf8(displayText(category))},
+    options.append(QVariantMap{{QStringLiteral("value"), toQt(rawText(category))},
+                               {QStringLiteral("text"), toQt(displayText(category))},
                                {QStringLiteral("icon"), categoryIcon(category)}});
   }
   return options;
@@ -65,7 +65,7 @@ QVariantList categoryOptions() {
 
 QString repeatText(const MaintenanceTask& task) {
   const std::string interval = intervalText(repeatDays(task), repeatHours(task));
-  return interval.empty() ? QStringLiteral("No repeat") : QStringLiteral("every ") + fromUtf8(interval);
+  return interval.empty() ? QStringLiteral("No repeat") : QStringLiteral("every ") + toQt(interval);
 }
 
 }  // namespace thalvorn::app

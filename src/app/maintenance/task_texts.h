@@ -12,8 +12,7 @@
 /// Words, tones and icons for tasks as the maintenance screens show them.
 namespace thalvorn::app {
 
-inline QString fromUtf8(std::string_view text) { return toQt(text); }
-inline QString idText(const Uuid& id) { return fromUtf8(id.toString()); }
+inline QString idText(const Uuid& id) { return toQt(id.toString()); }
 
 /// "Overdue", "Due soon", "On track" …; "Snoozed" while it is silenced.
 QString statusWord(TaskStatus status, bool snoozed);
@@ -31,8 +30,8 @@ template <class E>
 QVariantList plainOptions() {
   QVariantList options;
   for (const E value : allCases<E>()) {
-    options.append(QVariantMap{{QStringLiteral("value"), fromUtf8(rawText(value))},
-                               {QStringLiteral("text"), fromUtf8(displayText(value))}});
+    options.append(QVariantMap{{QStringLiteral("value"), toQt(rawText(value))},
+                               {QStringLiteral("text"), toQt(displayText(value))}});
   }
   return options;
 }

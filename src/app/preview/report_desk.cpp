@@ -55,13 +55,23 @@ ReportDesk::ReportDesk(AppViewModel& store, const AttachmentStore& attachments, 
   connect(&renderer_, &ReportRenderer::failed, this, [this](int report, const QString& message) {
     if (report == number_) fail(message);
   });
+  // Who looks at a report and chooses another vessel wants hers.
+  connect(&store_, &AppViewModel::selectedVesselIDChanged, this, [this] {
+    if (!report_.isEmpty() && app_.page() == u"report") show({{QStringLiteral("report"), report_}});
+  });
 }
 
 // ---- which report ----
 
-void ReportDesk::openWorkList(const QString& vesselId) {
-  app_.open(QStringLiteral("report"),
-            {{QStringLiteral("report"), workListName()}, {QStringLiteral("vesselId"), vesselId}});
+void ReportDesk::openWorkList(const TaskListModel* list) {
+  tasks_ = list ? list->query() : TaskQuery();
+  app_.open(QStringLiteral("report"), {{QStringLiteral("report"), workListName()}});
+}
+
+QString ReportDesk::workListFileName() const {
+  const Vessel* shown = store_.selectedVessel();
+  return fileNameFor(QStringLiteral("Work list"), shown ? toQt(shown->name) : QString(), store_.now(),
+                     store_.calendar(), QStringLiteral("csv"));
 }
 
 void ReportDesk::openServiceHistory(bool detailed) {
@@ -70,8 +80,7 @@ void ReportDesk::openServiceHistory(bool detailed) {
 
 void ReportDesk::show(const QVariantMap& arguments) {
   report_ = arguments.value(QStringLiteral("report"), workListName()).toString();
-  vessel_ = Uuid::parse(arguments.value(QStringLiteral("vesselId")).toString().toStdString());
-  if (!vessel_) vessel_ = store_.selectedVesselID();
+  vessel_ = store_.selectedVesselID();
   savedFile_.clear();
   Q_EMIT reportChanged();
   make();
@@ -92,7 +101,7 @@ const Vessel* ReportDesk::vessel() const { return vessel_ ? store_.vessels().fin
 
 QString ReportDesk::vesselName() const {
   const Vessel* shown = vessel();
-  return shown ? fromUtf8(shown->name) : QString();
+  return shown ? toQt(shown->name) : QString();
 }
 
 QString ReportDesk::paper() const { return paperSize(preferences_); }
@@ -120,7 +129,7 @@ DocumentMaker ReportDesk::documentMaker() const {
   const ReportSetting made = setting(profile);
   if (report_ == workListName()) {
     return [tasks = ofVessel(store_.tasks().records(), shown.id), logs = ofVessel(store_.logs().records(), shown.id),
-            shown, profile, made] { return workListReport(tasks, logs, shown, profile, TaskQuery(), made); };
+            shown, profile, made, query = tasks_] { return workListReport(tasks, logs, shown, profile, query, made); };
   }
   std::unordered_map<Uuid, std::string> equipment;
   for (const EquipmentItem& item : store_.equipment().records()) equipment.emplace(item.id, recordName(item));
@@ -210,15 +219,33 @@ void ReportDesk::savePdf(const QUrl& file) {
   });
 }
 
+std::string ReportDesk::workListText(const TaskQuery& query, const Vessel& vessel) const {
+  const VesselProfile* profile = store_.profileOf(vessel.id);
+  return workListCsv(store_.tasks().records(), store_.logs().records(), vessel, query,
+                     setting(profile ? *profile : VesselProfile()), csvFormat(preferences_));
+}
+
+void ReportDesk::exportWorkList(const TaskListModel* list, const QUrl& file) {
+  const Vessel* vessel = store_.selectedVessel();
+  if (!vessel || !list) return;
+  const QString path = withEnding(file.toLocalFile(), QStringLiteral("csv"));
+  const auto written = writeReportFile(path, QByteArray::fromStdString(workListText(list->query(), *vessel)));
+  if (written) {
+    app_.toast(QStringLiteral("%1 tasks saved to %2").arg(format_.number(list->total()), path), QStringLiteral("ok"));
+  } else {
+    app_.toast(written.error().message, QStringLiteral("overdue"));
+  }
+}
+
 void ReportDesk::saveCsv(const QUrl& file) {
   const Vessel* shown = vessel();
   if (!shown) return;
   const VesselProfile* profile = store_.profileOf(shown->id);
-  const ReportSetting made = setting(profile ? *profile : VesselProfile());
-  const std::string text = report_ == workListName() ? workListCsv(store_.tasks().records(), store_.logs().records(),
-                                                                   *shown, TaskQuery(), made, csvFormat(preferences_))
-                                                     : serviceHistoryCsv(history_.servicesOf(shown->id), made.calendar,
-                                                                         csvFormat(preferences_));
+  const std::string text =
+      report_ == workListName()
+          ? workListText(tasks_, *shown)
+          : serviceHistoryCsv(history_.servicesOf(shown->id), setting(profile ? *profile : VesselProfile()).calendar,
+                              csvFormat(preferences_));
   const QString path = withEnding(file.toLocalFile(), QStringLiteral("csv"));
   if (const auto written = writeReportFile(path, QByteArray::fromStdString(text)); !written) {
     fail(written.error().message);

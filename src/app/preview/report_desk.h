@@ -9,6 +9,7 @@
 #include "app/app_controller.h"
 #include "app/format.h"
 #include "app/history/service_history_model.h"
+#include "app/maintenance/task_list_model.h"
 #include "app/preview/report_renderer.h"
 #include "core/report_basics.h"
 #include "store/app_view_model.h"
@@ -41,12 +42,16 @@ class ReportDesk : public QObject {
 
   ReportRenderer& renderer() { return renderer_; }
 
-  /// The open tasks of a vessel as a list to work from; of the vessel in view when `vesselId` is empty.
-  Q_INVOKABLE void openWorkList(const QString& vesselId = {});
+  /// What a list of tasks shows of the vessel in view, with its search, filters and order, as a paper to work from.
+  Q_INVOKABLE void openWorkList(const thalvorn::app::TaskListModel* list);
+  /// The same tasks as a spreadsheet that the task import reads again.
+  Q_INVOKABLE void exportWorkList(const thalvorn::app::TaskListModel* list, const QUrl& file);
+  /// The name offered for that spreadsheet.
+  Q_INVOKABLE QString workListFileName() const;
   /// The service history of the vessel in view, as its page shows it; `detailed` with notes, parts and photos.
   Q_INVOKABLE void openServiceHistory(bool detailed);
 
-  /// Makes the report that the page's arguments name: {report, vesselId}.
+  /// Makes the report that the page's arguments name: {report}; a work list when they name none.
   Q_INVOKABLE void show(const QVariantMap& arguments);
   Q_INVOKABLE void cancel();
 
@@ -93,6 +98,7 @@ class ReportDesk : public QObject {
   void make();
   DocumentMaker documentMaker() const;
   ReportSetting setting(const VesselProfile& profile) const;
+  std::string workListText(const TaskQuery& query, const Vessel& vessel) const;
   const Vessel* vessel() const;
   void withPdf(const QString& work, std::function<void(const QByteArray&)> use);
   /// Writes the PDF where a viewer or the printer can take it; empty when it could not be written.
@@ -110,6 +116,7 @@ class ReportDesk : public QObject {
   std::unique_ptr<QTemporaryDir> printed_;
   QString report_;
   std::optional<Uuid> vessel_;
+  TaskQuery tasks_;  ///< of the work list
   int number_ = 0;
   ReportPages pages_;
   QString work_;

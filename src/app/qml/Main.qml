@@ -20,10 +20,10 @@ T.ApplicationWindow {
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
     LayoutMirroring.childrenInherit: true
 
-    // What cannot be saved would be lost with the window: ask first.
+    // What is not or cannot be saved would be lost with the window: ask first.
     property bool leaving: false
     onClosing: (close) => {
-        if (Fleet.saveError.length > 0 && !leaving) {
+        if ((Fleet.saveError.length > 0 || sheets.dirty) && !leaving) {
             close.accepted = false;
             quitDialog.open();
         }
@@ -108,7 +108,8 @@ T.ApplicationWindow {
     ConfirmDialog {
         id: quitDialog
         title: "Quit with unsaved changes?"
-        text: Fleet.saveText + ". " + Fleet.saveError
+        text: (sheets.dirty ? "What you entered in the open form has not been saved. " : "")
+              + (Fleet.saveError.length > 0 ? Fleet.saveText + ". " + Fleet.saveError : "")
         confirmText: "Quit and lose them"
         cancelText: "Stay"
         onConfirmed: {
@@ -133,7 +134,7 @@ T.ApplicationWindow {
             case "openAbout": about.open(); break;
             case "openHoursEditor": if (Maintenance.hasVessel) App.openSheet("maintenance/HoursSheet.qml"); break;
             case "goBack": App.back(); break;
-            case "undoRequested": if (!Fleet.undoLast()) App.toast("There is nothing to undo.", ""); break;
+            case "undoRequested": App.toast(Fleet.undoLast()); break;
             case "appearanceSystem": App.appearance = "system"; break;
             case "appearanceLight": App.appearance = "light"; break;
             case "appearanceDark": App.appearance = "dark"; break;

@@ -31,8 +31,12 @@ T.Button {
     Keys.onReturnPressed: if (enabled) clicked()
     Keys.onEnterPressed: if (enabled) clicked()
 
+    // The button's size comes from the text's natural width, never from the width the text is given: that would be a loop.
     contentItem: Item {
-        implicitWidth: row.implicitWidth
+        id: face
+        readonly property real marks: (root.busy || root.iconName ? Theme.iconSize + (root.text ? root.spacing : 0) : 0)
+                                      + (root.trailingIcon ? 14 + root.spacing : 0)
+        implicitWidth: marks + (root.text ? Math.ceil(label.implicitWidth) : 0)
         implicitHeight: row.implicitHeight
 
         Row {
@@ -42,7 +46,7 @@ T.Button {
 
             BusySpinner {
                 visible: root.busy
-                size: Theme.iconSmall
+                size: Theme.iconSize
                 color: root.ink
                 anchors.verticalCenter: parent.verticalCenter
             }
@@ -53,14 +57,14 @@ T.Button {
                 anchors.verticalCenter: parent.verticalCenter
             }
             Text {
+                id: label
                 visible: text.length > 0
                 text: root.text
                 font: Theme.fonts[root.variant]
                 color: root.ink
                 elide: Text.ElideRight
                 textFormat: Text.PlainText
-                width: Math.min(implicitWidth, Math.max(0, root.width - root.leftPadding - root.rightPadding
-                                                        - (root.iconName ? 26 : 0) - (root.trailingIcon ? 22 : 0)) || implicitWidth)
+                width: Math.max(0, Math.min(Math.ceil(implicitWidth), face.width - face.marks))
                 anchors.verticalCenter: parent.verticalCenter
             }
             Icon {

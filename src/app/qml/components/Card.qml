@@ -37,6 +37,7 @@ Rectangle {
         RowLayout {
             visible: root.title.length > 0
             Layout.fillHeight: false
+            Layout.minimumHeight: 20
             spacing: Theme.space2
             Icon { visible: root.icon.length > 0; name: root.icon }
             AppText { text: root.title; variant: "strong"; Layout.fillWidth: true; Layout.maximumWidth: root.note.length > 0 ? Math.ceil(implicitWidth) : Infinity }

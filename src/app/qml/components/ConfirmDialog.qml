@@ -26,7 +26,10 @@ ModalBase {
 
     width: Math.min(440, parent ? parent.width - Theme.space8 : 440)
     implicitHeight: contentItem.implicitHeight
-    onOpened: cancelButton.forceActiveFocus(Qt.TabFocusReason)
+    onOpened: {
+        cancelButton.forceActiveFocus(Qt.TabFocusReason);
+        cancelButton.focusReason = Qt.TabFocusReason;  // it kept the focus since the last time, without a visible ring
+    }
 
     contentItem: ColumnLayout {
         spacing: Theme.space3

@@ -28,6 +28,7 @@ FocusScope {
     property string emptyText
     property string emptyIcon: "tray"
     property string emptyAction
+    property string emptyActionIcon
     property string name
 
     signal sortRequested(string key, bool descending)
@@ -42,19 +43,33 @@ FocusScope {
     readonly property bool mirrored: LayoutMirroring.enabled
     readonly property int sidePadding: 12
     readonly property int gap: 14
-    // Place and width of every column: fixed ones first, the rest shared out.
+    // Place and width of every column: fixed ones first, the rest shared out. Where that is too much for the table's
+    // width, the columns that would go first in a narrower one go.
     readonly property var places: {
         const shown = [];
+        let needed = sidePadding * 2 - gap;
+        for (let i = 0; i < columns.length; ++i) {
+            shown.push(width >= columns[i].hideBelow);
+            if (shown[i])
+                needed += (columns[i].width > 0 ? columns[i].width : columns[i].minimum) + gap;
+        }
+        while (needed > width) {
+            let least = -1;
+            for (let i = 0; i < columns.length; ++i)
+                if (shown[i] && columns[i].hideBelow > 0 && (least < 0 || columns[i].hideBelow > columns[least].hideBelow))
+                    least = i;
+            if (least < 0)
+                break;
+            shown[least] = false;
+            needed -= (columns[least].width > 0 ? columns[least].width : columns[least].minimum) + gap;
+        }
         let fixed = 0;
         let shares = 0;
         for (let i = 0; i < columns.length; ++i) {
-            const column = columns[i];
-            const visible = width >= column.hideBelow;
-            shown.push(visible);
-            if (!visible)
+            if (!shown[i])
                 continue;
-            fixed += (column.width > 0 ? column.width : 0) + gap;
-            shares += column.width > 0 ? 0 : column.share;
+            fixed += (columns[i].width > 0 ? columns[i].width : 0) + gap;
+            shares += columns[i].width > 0 ? 0 : columns[i].share;
         }
         const left = Math.max(0, width - sidePadding * 2 - fixed + gap);
         const result = [];
@@ -363,6 +378,7 @@ FocusScope {
         title: root.emptyTitle
         text: root.emptyText
         actionText: root.emptyAction
+        actionIcon: root.emptyActionIcon
         onAction: root.emptyActivated()
     }
 }

@@ -20,7 +20,7 @@ TextInputField {
     placeholder: withTime ? "Day and time" : "Day"
     trailingIcon: "calendar-blank"
     trailingTip: "Choose from the calendar"
-    message: unreadable ? "This is not a date. Try “21 Nov 2026”, “tomorrow” or “+14”." : fault
+    message: !unreadable ? fault : text.trim().length === 0 ? "A date is needed here." : "This is not a date. Try “21 Nov 2026”, “tomorrow” or “+14”."
     text: shownDate
     onShownDateChanged: if (!input.activeFocus || !unreadable) { unreadable = false; replaceText(shownDate); }
 
@@ -29,8 +29,9 @@ TextInputField {
         if (typed === shownDate)
             return;
         if (typed.length === 0) {
-            unreadable = !optional && required;
-            picked(undefined);
+            unreadable = !optional;
+            if (optional)
+                picked(undefined);
             return;
         }
         const read = Format.parseDate(typed, date ?? undefined, withTime);

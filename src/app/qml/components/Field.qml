@@ -13,6 +13,7 @@ Loader {
     property string hint: facts.help ?? ""
     property int rows: 3
     property bool readOnly: false
+    property string unit: facts.unit ?? ""
     property var options: facts.choices ?? []
     readonly property var facts: form && name ? form.facts(name) : ({})
     readonly property int revision: form ? form.revision : 0
@@ -48,7 +49,7 @@ Loader {
             message: root.message
             required: root.facts.required
             placeholder: root.facts.placeholder
-            unit: root.facts.unit
+            unit: root.unit
             readOnly: root.readOnly
             text: root.current
             echoMode: root.facts.sensitive ? TextInput.PasswordEchoOnEdit : TextInput.Normal
@@ -65,7 +66,7 @@ Loader {
             message: root.message
             required: root.facts.required
             placeholder: root.facts.placeholder
-            unit: root.facts.unit
+            unit: root.unit
             decimals: root.facts.decimals
             from: root.facts.minimum
             to: root.facts.maximum

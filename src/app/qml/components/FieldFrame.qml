@@ -14,7 +14,9 @@ ColumnLayout {
     property bool stretch: false   // the control takes the height that is left
     default property alias control: slot.data
 
-    readonly property bool wrong: message.length > 0 && tone === "overdue"
+    property bool faulty: false    // marked as wrong, in words that stand elsewhere
+
+    readonly property bool wrong: faulty || (message.length > 0 && tone === "overdue")
 
     spacing: 5
     Layout.fillWidth: true

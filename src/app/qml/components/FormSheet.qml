@@ -41,7 +41,10 @@ ModalBase {
             item.focus = false;
         if (item)
             item.focus = true;
-        if (canSave && !busy)
+        const unread = find(column, (field) => field.unreadable === true);
+        if (unread)
+            unread.forceFocus();
+        else if (canSave && !busy)
             saveRequested();
     }
 
@@ -62,6 +65,22 @@ ModalBase {
         const next = column.nextItemInFocusChain(true);
         if (next)
             next.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    function find(among, test) {
+        const items = among.children;
+        for (let i = 0; i < items.length; ++i) {
+            const item = items[i];
+            const found = !item.visible ? null : test(item) ? item : find(item, test);
+            if (found)
+                return found;
+        }
+        return null;
+    }
+    // Puts the focus into the Field of this name, if there is one.
+    function focusField(name) {
+        if (name)
+            find(column, (item) => item.name === name && item.form)?.forceFocus();
     }
 
     contentItem: FocusScope {
@@ -145,7 +164,7 @@ ModalBase {
                 Layout.preferredHeight: root.footHeight
                 Layout.leftMargin: Theme.sheetPadding
                 Layout.rightMargin: Theme.sheetPadding
-                RowLayout { id: footSlot; spacing: Theme.space2 }
+                RowLayout { id: footSlot; visible: children.length > 0; spacing: Theme.space2 }
                 AppText { text: root.footNote; variant: "small"; Layout.fillWidth: true }
                 SecondaryButton { text: "Cancel"; onClicked: root.leave() }
                 PrimaryButton {

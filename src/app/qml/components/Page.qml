@@ -14,6 +14,7 @@ FocusScope {
     property alias searchText: search.text
     property var args: ({})
     property Component help
+    property var commands: []  // those of newRecord, printPage and exportPage that this page follows
     property bool current: true
     property int padding: Theme.pagePadding
     readonly property bool wide: width >= Theme.detailFrom - Theme.sideWidth
@@ -43,8 +44,12 @@ FocusScope {
         target: App
         enabled: root.current && root.visible
         function onNotification(name) {
-            if (name === "findOnPage")
-                root.find();
+            const refusals = { newRecord: "There is nothing to add on this page.", printPage: "This page does not print. The maintenance board and the service history do.", exportPage: "This page has no list to export. The maintenance board and the service history have." };
+            if (name === "findOnPage") {
+                if (!root.find())
+                    App.post("openSearch");
+            } else if (refusals[name] !== undefined && !root.commands.includes(name))
+                App.toast(refusals[name]);
             else
                 root.posted(name);
         }
@@ -100,6 +105,7 @@ FocusScope {
             }
             RowLayout {
                 id: actionRow
+                visible: children.length > 0
                 spacing: Theme.space3
                 Layout.fillWidth: false
             }

@@ -22,7 +22,12 @@ FormSheet {
     dirty: sheet !== null && sheet.dirty
     error: sheet ? sheet.error : ""
     sheetWidth: 860
-    onSaveRequested: if (sheet.save()) close()
+    onSaveRequested: {
+        if (sheet.save())
+            close();
+        else
+            focusField(sheet.firstWrong());
+    }
 
     component Section: AppText {
         variant: "strong"
@@ -69,12 +74,12 @@ FormSheet {
     FieldRow {
         visible: root.generators
         Field { form: root.vessel; name: "numberOfGenerators" }
-        Field { form: root.profile; name: "engineMake" }
-        Field { form: root.profile; name: "generatorMake" }
+        Field { form: root.profile; name: "engineMake"; label: "Engine make and model" }
+        Field { form: root.profile; name: "generatorMake"; label: "Generator make and model" }
     }
     FieldRow {
         visible: !root.generators
-        Field { form: root.profile; name: "engineMake" }
+        Field { form: root.profile; name: "engineMake"; label: "Engine make and model" }
     }
     FieldRow {
         visible: root.sheet !== null && root.sheet.isNew

@@ -12,6 +12,7 @@ Page {
     title: "Manage Vessels"
     note: VesselList.count > 1 ? "Drag to arrange, or Alt+Up and Alt+Down" : ""
     actions: [PrimaryButton { text: "Add vessel"; iconName: "plus"; tip: "Ctrl+N"; onClicked: root.edit("") }]
+    commands: ["newRecord"]
     onPosted: (name) => { if (name === "newRecord" || name === "addVesselRequested") root.edit(""); }
     onOpened: (args) => {
         if (args.highlight)
@@ -31,6 +32,19 @@ Page {
     function chooseFirst() {
         if (!chosenId && split.beside)
             chosenId = Fleet.selectedVesselId;
+    }
+    // A vessel just added or chosen in the sidebar is shown here too.
+    Connections {
+        target: Fleet
+        property string last
+        Component.onCompleted: last = Fleet.selectedVesselId
+        function onVesselsChanged() {
+            if (Fleet.selectedVesselId === last)
+                return;
+            last = Fleet.selectedVesselId;
+            if (split.beside && last)
+                root.chosenId = last;
+        }
     }
     function edit(id) {
         App.openSheet("fleet/VesselSheet.qml", { vesselId: id });
@@ -112,10 +126,11 @@ Page {
 
                     Rectangle {
                         id: surface
-                        width: parent.width
+                        x: 6
+                        width: parent.width - 12
                         height: parent.height
                         color: line.chosen ? Theme.accentBg : hover.hovered || drag.active ? Theme.hover : Theme.card
-                        radius: drag.active ? Theme.radiusControl : 0
+                        radius: Theme.radiusControl
                         border.width: line.ListView.isCurrentItem && list.activeFocus ? 2 : 0
                         border.color: Theme.accent
                         RowLayout {
@@ -158,7 +173,6 @@ Page {
                                 AppText { text: line.model.services === 1 ? "1 service" : Format.number(line.model.services, 0) + " services"; variant: "small"; Layout.alignment: Qt.AlignRight }
                             }
                         }
-                        Rectangle { anchors.bottom: parent.bottom; width: parent.width; height: Theme.hairline; color: Theme.line }
                     }
                     HoverHandler { id: hover }
                     TapHandler {

@@ -29,7 +29,7 @@ FormSheet {
         Field { form: root.form; name: "completedDate" }
         Field { form: root.form; name: "engineHoursAtService" }
         Field { form: root.form; name: "completedBy" }
-        Field { form: root.form; name: "cost" }
+        Field { form: root.form; name: "cost"; unit: ServiceHistory.model.costs.currency ?? "" }
     }
     Field { form: root.form; name: "technicianNotes"; rows: 3 }
 

@@ -23,6 +23,7 @@ FocusScope {
     ListView {
         id: view
         anchors.fill: parent
+        anchors.rightMargin: -14  // the scroll bar stands in the page's margin
         model: root.services
         spacing: Theme.space3
         clip: true
@@ -68,7 +69,7 @@ FocusScope {
                 Item { Layout.fillWidth: true }
                 AppText {
                     visible: text.length > 0
-                    text: card.model.labour && card.model.partsCost ? "Labour " + card.model.labour + " + parts " + card.model.partsCost : ""
+                    text: card.model.labour && card.model.partsCost ? "Labor " + card.model.labour + " + parts " + card.model.partsCost : ""
                     variant: "small"
                 }
                 AppText { visible: text.length > 0; text: card.model.total; variant: "strong" }

@@ -26,7 +26,7 @@ Card {
             AppText { text: parent.value; variant: parent.strong ? "subtitle" : "medium"; Layout.preferredHeight: 24; verticalAlignment: Text.AlignVCenter }
         }
         Sum { label: "Total (" + (root.costs.currency ?? "") + ")"; value: root.costs.total ?? ""; strong: true }
-        Sum { label: "Labour"; value: root.costs.labour ?? "" }
+        Sum { label: "Labor"; value: root.costs.labour ?? "" }
         Sum { label: "Parts"; value: root.costs.parts ?? "" }
         Rectangle { visible: root.years.length > 0; implicitWidth: 1; Layout.fillHeight: true; color: Theme.line }
         Repeater {

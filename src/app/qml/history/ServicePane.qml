@@ -67,7 +67,7 @@ ColumnLayout {
         columns: 2
         rowSpacing: 3
         Layout.fillWidth: true
-        AppText { text: "Labour"; variant: "small"; Layout.fillWidth: true }
+        AppText { text: "Labor"; variant: "small"; Layout.fillWidth: true }
         AppText { text: root.service.labour || "—"; Layout.alignment: Qt.AlignRight }
         AppText { text: "Parts"; variant: "small"; Layout.fillWidth: true }
         AppText { text: root.service.partsCost || "—"; Layout.alignment: Qt.AlignRight }

@@ -36,6 +36,7 @@ FormSheet {
         }
         TextInputField {
             label: "Labor cost (optional)"
+            unit: root.form?.currency ?? ""
             text: root.form?.labor ?? ""
             message: root.form?.laborMessage ?? ""
             inputMethodHints: Qt.ImhFormattedNumbersOnly
@@ -78,6 +79,27 @@ FormSheet {
                 delegate: MeterInput {
                     required property var modelData
                     meter: modelData
+                    brief: true
+                }
+            }
+        }
+        Repeater {
+            model: root.form?.meters ?? []
+            delegate: RowLayout {
+                id: remark
+                required property var modelData
+                visible: modelData.message.length > 0
+                spacing: 5
+                Layout.fillWidth: true
+                Icon { name: remark.modelData.tone === "overdue" ? "warning-circle" : "info"; size: 14; color: remarkText.color; Layout.alignment: Qt.AlignTop; Layout.topMargin: 1 }
+                AppText {
+                    id: remarkText
+                    text: remark.modelData.message
+                    variant: "small"
+                    color: Theme.statusInk(remark.modelData.tone)
+                    wrapMode: Text.Wrap
+                    Layout.fillWidth: true
+                    Accessible.role: Accessible.AlertMessage
                 }
             }
         }

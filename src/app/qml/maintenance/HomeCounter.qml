@@ -9,7 +9,7 @@ T.AbstractButton {
 
     property var counter: ({})
 
-    implicitHeight: column.implicitHeight + Theme.space3 * 2
+    implicitHeight: column.implicitHeight + Theme.space4 * 2
     implicitWidth: 200
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
@@ -32,7 +32,10 @@ T.AbstractButton {
         anchors.right: parent.right
         anchors.leftMargin: 18
         anchors.rightMargin: 18
-        anchors.verticalCenter: parent.verticalCenter
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        anchors.topMargin: Theme.space4
+        anchors.bottomMargin: Theme.space4
         spacing: 2
         Row {
             spacing: Theme.space2
@@ -59,6 +62,7 @@ T.AbstractButton {
             }
             Item { visible: (root.counter.todayLabel ?? "") === ""; Layout.fillWidth: true }
         }
+        Item { Layout.fillHeight: true }
         AppText { text: root.counter.note ?? ""; variant: "small"; Layout.fillWidth: true }
     }
     FocusRing { radius: Theme.radiusCard + 2 }

@@ -11,7 +11,7 @@ Card {
 
     title: "Hour meters"
     icon: "gauge"
-    padding: 14
+    stretch: true
     spacing: Theme.space1
 
     GridLayout {

@@ -18,7 +18,13 @@ Page {
     help: Component {
         AppText { text: "The counters open the tasks behind them. Work is judged by date and by hour meter: keep the meters up to date, and this page tells what is due next."; wrapMode: Text.Wrap }
     }
-    onPosted: (name) => { if (name === "newRecord") newTask(); }
+    commands: ["newRecord", "printPage"]
+    onPosted: (name) => {
+        if (name === "newRecord")
+            newTask();
+        else if (name === "printPage" && Maintenance.hasVessel)
+            Reports.openWorkList(Maintenance.board);
+    }
     onCurrentChanged: watch()
     Component.onCompleted: watch()
 

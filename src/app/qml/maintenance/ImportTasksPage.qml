@@ -13,6 +13,7 @@ Page {
         SecondaryButton { text: "Load sample"; onClicked: TaskImport.loadSample() },
         SecondaryButton { text: "Choose file…"; iconName: "file-csv"; onClicked: chooser.open() }
     ]
+    commands: ["newRecord"]
     onOpened: Qt.callLater(area.forceFocus)
     onPosted: (name) => { if (name === "newRecord") chooser.open(); }
     help: Component {
@@ -56,8 +57,10 @@ Page {
 
             ColumnLayout {
                 spacing: Theme.space3
-                Layout.preferredWidth: Math.max(300, Math.min(460, root.width * 0.36))
-                Layout.maximumWidth: 460
+                readonly property int share: Math.max(280, Math.min(460, root.width * 0.32))
+                Layout.minimumWidth: share
+                Layout.preferredWidth: share
+                Layout.maximumWidth: share
                 Layout.fillHeight: true
 
                 TextAreaField {
@@ -91,16 +94,15 @@ Page {
                     title: TaskImport.referenceTitle
                     padding: Theme.space3
                     Layout.fillWidth: true
-                    T.ScrollView {
-                        id: scroll
+                    Flickable {
                         clip: true
-                        contentWidth: reference.implicitWidth
+                        contentWidth: width
                         contentHeight: reference.implicitHeight
-                        implicitHeight: Math.min(contentHeight, Math.max(90, root.height - 520))
+                        implicitHeight: Math.min(contentHeight, Math.max(90, root.height - 540))
+                        boundsBehavior: Flickable.StopAtBounds
                         Layout.fillWidth: true
-                        T.ScrollBar.vertical: AppScrollBar { parent: scroll; x: scroll.width - width; height: scroll.height }
-                        T.ScrollBar.horizontal: AppScrollBar { parent: scroll; y: scroll.height - height; width: scroll.width }
-                        AppText { id: reference; text: TaskImport.reference; variant: "mono"; elide: Text.ElideNone; wrapMode: Text.NoWrap; tip: false }
+                        T.ScrollBar.vertical: AppScrollBar {}
+                        AppText { id: reference; width: parent.width - 10; text: TaskImport.reference; variant: "mono"; wrapMode: Text.Wrap; tip: false }
                     }
                 }
             }
@@ -109,17 +111,20 @@ Page {
                 spacing: 5
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                RowLayout {
-                    spacing: Theme.space3
+                Item {
+                    implicitHeight: previewLabel.implicitHeight
                     Layout.fillWidth: true
-                    Layout.preferredHeight: 17
-                    Layout.maximumHeight: 17
-                    AppText { text: "Preview"; variant: "smallMedium"; color: Theme.ink }
-                    StatusBadge { visible: TaskImport.count > 0; text: TaskImport.validText; tone: "ok" }
-                    StatusBadge { visible: TaskImport.count > 0; text: TaskImport.skippedText; tone: TaskImport.count > TaskImport.valid ? "soon" : "" }
-                    AppText { visible: text.length > 0; text: TaskImport.remark; variant: "small"; Layout.fillWidth: true }
-                    Item { Layout.fillWidth: true; visible: TaskImport.remark === "" }
-                    BusySpinner { visible: TaskImport.busy; size: 16 }
+                    RowLayout {
+                        width: parent.width
+                        anchors.verticalCenter: parent.verticalCenter
+                        spacing: Theme.space3
+                        AppText { id: previewLabel; text: "Preview"; variant: "smallMedium"; color: Theme.ink }
+                        StatusBadge { visible: TaskImport.count > 0; text: TaskImport.validText; tone: "ok" }
+                        StatusBadge { visible: TaskImport.count > 0; text: TaskImport.skippedText; tone: TaskImport.count > TaskImport.valid ? "soon" : "" }
+                        AppText { visible: text.length > 0; text: TaskImport.remark; variant: "small"; Layout.fillWidth: true }
+                        Item { Layout.fillWidth: true; visible: TaskImport.remark === "" }
+                        BusySpinner { visible: TaskImport.busy; size: 16 }
+                    }
                 }
                 ErrorBanner { tone: "soon"; text: TaskImport.problem; dismissable: false; Layout.fillWidth: true }
                 DataTable {
@@ -132,8 +137,9 @@ Page {
                     emptyTitle: "Nothing to preview yet"
                     emptyText: "Paste rows from a spreadsheet, drop a file here, or begin with the sample."
                     emptyAction: "Load sample"
+                    emptyActionIcon: "file-csv"
                     onEmptyActivated: TaskImport.loadSample()
-                    TableColumn { title: "Line"; role: "line"; width: 44; muted: true; alignRight: true }
+                    TableColumn { title: "Line"; role: "line"; width: 44; hideBelow: 480; muted: true; alignRight: true }
                     TableColumn {
                         title: "Title"
                         role: "title"
@@ -142,10 +148,14 @@ Page {
                         cell: Component { TwoLineCell { text: row?.title ?? ""; second: row?.problems || row?.notes || ""; ink: row?.valid ? Theme.ink : Theme.mute; secondInk: row?.problems ? Theme.soon : Theme.mute } }
                     }
                     TableColumn { title: "Category"; role: "category"; share: 0.9; minimum: 90 }
-                    TableColumn { title: "Due"; role: "due"; width: 120; hideBelow: 760 }
-                    TableColumn { title: "Every"; role: "interval"; width: 130; hideBelow: 620 }
-                    TableColumn { title: "Meter"; role: "meter"; width: 92; muted: true; hideBelow: 520 }
-                    TableColumn { width: 76; cell: Component { BadgeCell { text: row?.valid ? "Valid" : "Skipped"; tone: row?.valid ? "ok" : "soon" } } }
+                    TableColumn {
+                        title: "Due, repeats"
+                        width: 150
+                        hideBelow: 400
+                        cell: Component { TwoLineCell { variant: "body"; text: row?.due || row?.interval || ""; second: row?.due ? row?.interval ?? "" : "" } }
+                    }
+                    TableColumn { title: "Meter"; role: "meter"; width: 86; muted: true; hideBelow: 520 }
+                    TableColumn { width: 70; cell: Component { BadgeCell { text: row?.valid ? "Valid" : "Skipped"; tone: row?.valid ? "ok" : "soon" } } }
                 }
             }
         }

@@ -12,7 +12,9 @@ Page {
 
     title: "Maintenance"
     searchPlaceholder: "Search tasks"
+    commands: ["newRecord", "printPage", "exportPage"]
     actions: [
+        TaskListMenu { id: listMenu; list: root.board },
         SecondaryButton { text: "Meters"; iconName: "gauge"; enabled: Maintenance.hasVessel; tip: "Ctrl+M"; onClicked: App.post("openHoursEditor") },
         PrimaryButton { text: "New task"; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.posted("newRecord") }
     ]
@@ -22,6 +24,7 @@ Page {
     onPosted: (name) => {
         if (name === "newRecord" && Maintenance.hasVessel)
             App.openSheet("maintenance/TaskSheet.qml");
+        listMenu.take(name);
     }
     onCurrentChanged: board.active = current
     onOpened: (args) => take(args)
@@ -100,11 +103,13 @@ Page {
                 model: root.board
                 name: "Maintenance board"
                 emptyIcon: root.board.narrowed ? "magnifying-glass" : root.counts.open > 0 ? "check-circle" : "list-checks"
-                emptyTitle: Maintenance.loading || root.board.searching ? "" : root.board.narrowed ? "No task matches" : root.counts.open > 0 ? "Nothing is due" : "No maintenance tasks yet"
+                emptyTitle: Maintenance.loading || root.board.searching ? "" : root.board.narrowed ? "No task matches" : root.counts.open > 0 ? "Nothing is due" : Maintenance.hasVessel ? "No maintenance tasks yet" : "No vessel yet"
                 emptyText: root.board.narrowed ? "Nothing on the board has these words and this kind."
                          : root.counts.open > 0 ? "No task falls due within 30 days or 50 hours. The others are in the Task Library."
-                         : "Start from the template library, import your own list, or write the first task."
-                emptyAction: root.board.narrowed ? "Show all" : root.counts.open > 0 ? "Task library" : Maintenance.hasVessel ? "Template library" : ""
+                         : Maintenance.hasVessel ? "Start from the template library, import your own list, or write the first task."
+                         : "Add the vessel you look after: her tasks belong to her."
+                emptyAction: root.board.narrowed ? "Show all" : root.counts.open > 0 ? "Task library" : Maintenance.hasVessel ? "Template library" : "Add vessel"
+                emptyActionIcon: root.board.narrowed ? "" : root.counts.open > 0 ? "books" : Maintenance.hasVessel ? "stack" : "plus"
                 onEmptyActivated: {
                     if (root.board.narrowed) {
                         root.clearSearch();
@@ -112,7 +117,7 @@ Page {
                     } else if (root.counts.open > 0)
                         App.open("taskLibrary");
                     else
-                        App.post("openTemplateLibrary");
+                        App.post(Maintenance.hasVessel ? "openTemplateLibrary" : "addVesselRequested");
                 }
                 onSelected: (row) => App.remember("board.selected", row.id)
                 onTapped: if (!split.beside) root.detailOpen = true

@@ -36,7 +36,7 @@ ColumnLayout {
         AppText { text: "Part"; variant: "small"; Layout.fillWidth: true; Layout.preferredWidth: 30 }
         AppText { text: "Part number"; variant: "small"; Layout.fillWidth: true; Layout.preferredWidth: 20 }
         AppText { text: "Quantity"; variant: "small"; horizontalAlignment: Text.AlignRight; Layout.preferredWidth: 90 }
-        AppText { text: "Cost"; variant: "small"; horizontalAlignment: Text.AlignRight; Layout.preferredWidth: 110 }
+        AppText { text: root.form?.currency ? "Cost (" + root.form.currency + ")" : "Cost"; variant: "small"; horizontalAlignment: Text.AlignRight; Layout.preferredWidth: 110 }
         Item { Layout.preferredWidth: 32 }
     }
     Repeater {

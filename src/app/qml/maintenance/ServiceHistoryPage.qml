@@ -15,6 +15,7 @@ Page {
     onSearchEdited: (text) => services.search = text
     onSearchLeft: (ServiceHistory.detailed ? cards : table).forceActiveFocus()
     onOpened: (args) => { if (args.highlight) reveal(args.highlight); }
+    commands: ["printPage", "exportPage"]
     onPosted: (name) => {
         if (name === "serviceHistoryDetailed")
             ServiceHistory.detailed = true;
@@ -126,6 +127,7 @@ Page {
                 emptyTitle: root.services.filtered ? "No services match" : "No services yet"
                 emptyText: root.services.filtered ? "Change the search or the filters to see more." : "Completing a task writes its service here, with notes, parts and costs."
                 emptyAction: root.services.filtered ? "Clear filters" : "Open the board"
+                emptyActionIcon: root.services.filtered ? "x" : "wrench"
                 onEmptyActivated: {
                     if (root.services.filtered) {
                         root.clearSearch();

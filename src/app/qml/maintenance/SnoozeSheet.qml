@@ -29,7 +29,7 @@ FormSheet {
         form.period = item.modelData.value;
         item.forceActiveFocus(Qt.TabFocusReason);
     }
-    footer: DangerButton {
+    footer: SecondaryButton {
         visible: root.form !== null && root.form.snoozed
         text: "End the snooze"
         onClicked: if (root.form.endSnooze()) root.close()

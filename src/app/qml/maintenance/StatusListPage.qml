@@ -11,6 +11,13 @@ Page {
 
     title: status ? status.text : "Tasks by status"
     searchPlaceholder: "Search tasks"
+    commands: ["newRecord", "printPage", "exportPage"]
+    actions: TaskListMenu { id: listMenu; list: root.list }
+    onPosted: (name) => {
+        if (name === "newRecord" && Maintenance.hasVessel)
+            App.openSheet("maintenance/TaskSheet.qml");
+        listMenu.take(name);
+    }
     help: Component { TaskHelp {} }
     onSearchEdited: (text) => list.search = text
     onSearchLeft: table.focusList()

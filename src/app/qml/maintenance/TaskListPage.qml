@@ -15,13 +15,18 @@ Page {
 
     note: tasks && tasks.active ? Format.number(tasks.total, 0) + (tasks.total === 1 ? " task" : " tasks") : ""
     searchPlaceholder: "Search tasks"
-    actions: PrimaryButton { text: "New task"; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.posted("newRecord") }
+    commands: ["newRecord", "printPage", "exportPage"]
+    actions: [
+        TaskListMenu { id: listMenu; list: root.tasks },
+        PrimaryButton { text: "New task"; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.posted("newRecord") }
+    ]
     help: Component { TaskHelp {} }
     onSearchEdited: (text) => tasks.search = text
     onSearchLeft: table.focusList()
     onPosted: (name) => {
         if (name === "newRecord" && Maintenance.hasVessel)
             App.openSheet("maintenance/TaskSheet.qml");
+        listMenu.take(name);
     }
     onCurrentChanged: tasks.active = current
     onOpened: (args) => {
@@ -93,15 +98,16 @@ Page {
             model: root.tasks
             name: root.title
             emptyIcon: root.tasks.narrowed ? "magnifying-glass" : "list-checks"
-            emptyTitle: Maintenance.loading || root.tasks.searching ? "" : root.tasks.narrowed ? "No task matches" : root.emptyTitle
-            emptyText: root.tasks.narrowed ? "No task has these words and filters." : root.emptyText
-            emptyAction: root.tasks.narrowed ? "Show all" : Maintenance.hasVessel ? "Template library" : ""
+            emptyTitle: Maintenance.loading || root.tasks.searching ? "" : root.tasks.narrowed ? "No task matches" : Maintenance.hasVessel ? root.emptyTitle : "No vessel yet"
+            emptyText: root.tasks.narrowed ? "No task has these words and filters." : Maintenance.hasVessel ? root.emptyText : "Add the vessel you look after: her tasks belong to her."
+            emptyAction: root.tasks.narrowed ? "Show all" : Maintenance.hasVessel ? "Template library" : "Add vessel"
+            emptyActionIcon: root.tasks.narrowed ? "" : Maintenance.hasVessel ? "stack" : "plus"
             onEmptyActivated: {
                 if (root.tasks.narrowed) {
                     root.clearSearch();
                     root.tasks.widen();
                 } else
-                    App.post("openTemplateLibrary");
+                    App.post(Maintenance.hasVessel ? "openTemplateLibrary" : "addVesselRequested");
             }
             onSelected: (row) => App.remember(root.memory + ".selected", row.id)
             onTapped: if (!split.beside) root.detailOpen = true

@@ -20,7 +20,7 @@ FormSheet {
     canSave: form !== null
     onSaveRequested: {
         if (!form.save()) {
-            ({ title: titleField, dueDate: dateField, dueAtEngineHours: hoursField })[form.firstWrong()]?.forceFocus();
+            focusField(form.firstWrong());
             return;
         }
         close();
@@ -28,7 +28,7 @@ FormSheet {
             App.toast("Task added", "ok");
     }
 
-    Field { id: titleField; form: root.form; name: "title" }
+    Field { form: root.form; name: "title" }
     FieldRow {
         Field { form: root.form; name: "category"; options: root.form?.categories ?? [] }
         Field { form: root.form; name: "kind" }
@@ -42,7 +42,7 @@ FormSheet {
             Layout.fillWidth: true
             Layout.preferredWidth: 100
             Layout.alignment: Qt.AlignTop
-            Field { id: dateField; form: root.form; name: "dueDate" }
+            Field { form: root.form; name: "dueDate" }
             LinkButton { visible: text.length > 0; text: root.form?.dateProposal ?? ""; onClicked: root.form.takeDateProposal() }
         }
         Field { visible: root.byDate; form: root.form; name: "recurringDays"; hint: root.form?.daysHint ?? ""; readOnly: !root.planned }
@@ -55,7 +55,7 @@ FormSheet {
             Layout.fillWidth: true
             Layout.preferredWidth: 100
             Layout.alignment: Qt.AlignTop
-            Field { id: hoursField; form: root.form; name: "dueAtEngineHours" }
+            Field { form: root.form; name: "dueAtEngineHours" }
             LinkButton { visible: text.length > 0; text: root.form?.hoursProposal ?? ""; onClicked: root.form.takeHoursProposal() }
         }
         Field { form: root.form; name: "recurringEngineHours"; hint: root.form?.hoursHint ?? ""; readOnly: !root.planned }

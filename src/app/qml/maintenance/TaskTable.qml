@@ -38,12 +38,19 @@ DataTable {
     }
     onCountChanged: Qt.callLater(chooseFirst)
     function chooseFirst() {
-        if (count === 0 || !model || (selectedId !== undefined && (settled || model.rowOf(selectedId) >= 0)))
+        if (count === 0 || !model)
             return;
+        if (selectedId !== undefined && (settled || model.rowOf(selectedId) >= 0)) {
+            settled = true;
+            return;
+        }
         settled = true;
-        const row = model.idAt(0) ? 0 : 1;
+        let row = 0;
+        while (row < count - 1 && !model.idAt(row))
+            ++row;
         selectedId = model.idAt(row) || undefined;
-        currentIndex = row;
+        if (currentIndex < 0 || !view.activeFocus)
+            currentIndex = row;
     }
     function currentId() {
         return model ? model.idAt(currentIndex) : "";
@@ -100,7 +107,7 @@ DataTable {
         hideBelow: 620
         cell: Component { TaskMeterCell {} }
     }
-    TableColumn { title: "Kind"; role: "kind"; width: 62; hideBelow: 700; muted: true }
+    TableColumn { title: "Kind"; role: "kind"; width: 62; hideBelow: root.repeatShown ? 1000 : 700; muted: true }
     TableColumn {
         title: "Status"
         role: "status"

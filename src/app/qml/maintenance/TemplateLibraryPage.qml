@@ -9,6 +9,7 @@ Page {
     title: "Template Library"
     note: TemplateLibrary.vesselName ? "for " + TemplateLibrary.vesselName : ""
     searchPlaceholder: "Search templates…"
+    commands: ["newRecord"]
     onSearchEdited: (text) => TemplateLibrary.search = text
     onSearchLeft: table.focusList()
     onOpened: (args) => {

@@ -44,6 +44,7 @@ Page {
             onClicked: Reports.printInViewer()
         }
     ]
+    commands: ["printPage", "exportPage"]
     onOpened: (args) => { if (args.report || !Reports.report) Reports.show(args); }
     onPosted: (name) => {
         if (name === "printPage")

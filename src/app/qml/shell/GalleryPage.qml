@@ -14,6 +14,7 @@ Page {
     note: "Every shared component in every state"
     searchPlaceholder: "Search components"
     padding: 0
+    commands: ["newRecord", "printPage"]
     actions: [
         SecondaryButton { text: "Dialog"; onClicked: confirm.open() },
         PrimaryButton { text: "Sheet"; iconName: "plus"; onClicked: sheet.open() }
@@ -204,6 +205,7 @@ Page {
                 emptyTitle: "No tasks here"
                 emptyText: "Tasks that fall due appear on this board."
                 emptyAction: "New task"
+                emptyActionIcon: "plus"
                 TableColumn { title: "Task"; role: "title"; sortKey: "name"; share: 2; strong: true }
                 TableColumn { title: "Status"; role: "status"; sortKey: "status"; width: 100 }
                 TableColumn { title: "Due"; role: "due"; sortKey: "due"; width: 160 }

@@ -12,7 +12,10 @@ ModalBase {
     x: parent ? Math.round((parent.width - width) / 2) : 0
     y: 80
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
-    onAboutToShow: Search.words = ""
+    onAboutToShow: {
+        field.clear();
+        list.currentIndex = 0;
+    }
     onOpened: field.forceFocus()
 
     contentItem: FocusScope {
@@ -31,9 +34,14 @@ ModalBase {
             pause: 60
             placeholder: "Search tasks, history, vessels and commands"
             keyHint: "Esc"
-            onEdited: (text) => Search.words = text
-            Keys.onDownPressed: list.incrementCurrentIndex()
-            Keys.onUpPressed: list.decrementCurrentIndex()
+            onEdited: (text) => {
+                if (text === Search.words)
+                    return;
+                Search.words = text;
+                list.currentIndex = 0;
+            }
+            onDownPressed: list.step(1)
+            Keys.onUpPressed: list.step(-1)
             Keys.onReturnPressed: Search.choose(Math.max(0, list.currentIndex))
             Keys.onEnterPressed: Search.choose(Math.max(0, list.currentIndex))
         }
@@ -50,6 +58,11 @@ ModalBase {
             boundsBehavior: Flickable.StopAtBounds
             highlightMoveDuration: 0
             onCountChanged: if (currentIndex < 0) currentIndex = 0
+
+            // Finds that come in later may have taken the current line away: the first one counts as such.
+            function step(by) {
+                currentIndex = Math.max(0, Math.min(count - 1, Math.max(0, currentIndex) + by));
+            }
             T.ScrollBar.vertical: AppScrollBar {}
             section.property: "group"
             section.delegate: Text {

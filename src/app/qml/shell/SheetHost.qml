@@ -6,6 +6,7 @@ Item {
     id: root
 
     readonly property bool busy: loader.item !== null && loader.item.opened
+    readonly property bool dirty: busy && loader.item.dirty === true
 
     function show(source, properties) {
         loader.setSource(source, properties);

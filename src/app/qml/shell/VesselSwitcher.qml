@@ -39,7 +39,7 @@ T.Button {
             anchors.verticalCenter: parent.verticalCenter
             spacing: 1
             AppText { width: parent.width; text: root.vessel.name ?? "No vessel"; variant: "strong"; color: Theme.sideStrong }
-            AppText { width: parent.width; text: root.vessel.detail ?? "Add one under Vessels"; variant: "small"; color: Theme.sideMute }
+            AppText { width: parent.width; text: root.vessel.detail ?? "Add one to begin"; variant: "small"; color: Theme.sideMute }
         }
         Icon {
             visible: !root.narrow

@@ -14,7 +14,7 @@ Rectangle {
 
     Rectangle {
         anchors.centerIn: parent
-        width: Math.min(460, parent.width - Theme.space8)
+        width: Math.min(492, parent.width - Theme.space8)
         height: column.implicitHeight + Theme.space8 * 2
         radius: Theme.radiusSheet
         color: Theme.card
@@ -51,8 +51,8 @@ Rectangle {
             Divider { Layout.fillWidth: true; Layout.topMargin: Theme.space2; Layout.bottomMargin: Theme.space2 }
             RowLayout {
                 spacing: Theme.space2
-                SecondaryButton { text: "Sign in"; iconName: "sign-in"; Layout.fillWidth: true; onClicked: root.account = true }
-                SecondaryButton { text: "Create an account"; iconName: "user"; Layout.fillWidth: true; onClicked: root.account = true }
+                SecondaryButton { text: "Sign in"; iconName: "sign-in"; Layout.fillWidth: true; Layout.preferredWidth: 10; onClicked: root.account = true }
+                SecondaryButton { text: "Create an account"; iconName: "user"; Layout.fillWidth: true; Layout.preferredWidth: 10; onClicked: root.account = true }
             }
             ErrorBanner {
                 text: root.account ? "Accounts need the connection to the fleet server, and none is set up on this computer. A fleet kept on this computer needs no account." : ""
