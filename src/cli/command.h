@@ -75,6 +75,7 @@ struct Option {
 
 /// What a command does to the store.
 enum class Access {
+  none,         ///< needs no store
   reads,        ///< looks at the records
   edits,        ///< changes records
   upkeep,       ///< works on the open file without reading the records

@@ -21,6 +21,7 @@ QCoro::Task<CommandResult> recordMeterReplacement(CommandContext context, Argume
 QCoro::Task<CommandResult> showTemplates(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> addTemplates(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> importTasks(CommandContext context, Arguments arguments);
+QCoro::Task<CommandResult> importHistory(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> showHistory(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> writeReport(CommandContext context, Arguments arguments);
 

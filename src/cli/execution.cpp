@@ -2,19 +2,22 @@
 
 #include <fmt/format.h>
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <algorithm>
 
 #include "cli/store_use.h"
 #include "cli/values.h"
 #include "store/app_view_model.h"
+#include "store/preferences.h"
 
 namespace thalvorn::cli {
 
 std::string choosePrefix(const LocalCache& cache, const CommandLine& line) {
   if (!line.command->onlyPrefix.empty()) return std::string(line.command->onlyPrefix);
   if (line.user) return *line.user;
-  if (!cache.preference("sb_access_token").value_or("").empty())
-    if (const std::string user = cache.preference("sb_user_id").value_or(""); !user.empty()) return user;
+  if (!cache.preference(preference_keys::accessToken).value_or("").empty())
+    if (const std::string user = cache.preference(preference_keys::userID).value_or(""); !user.empty()) return user;
   const std::vector<std::string> prefixes = cache.prefixes();
   const bool local = std::ranges::find(prefixes, AppViewModel::localPrefix) != prefixes.end();
   return std::string(local ? AppViewModel::localPrefix : AppViewModel::demoPrefix);
@@ -49,6 +52,30 @@ QCoro::Task<CommandResult> runCommand(const Command* command, CommandContext con
   }
 }
 
+namespace {
+
+CommandResult runOnStore(const CommandLine& line, LocalCache& cache, const FixedClock& clock, CommandContext context) {
+  const Command& command = *line.command;
+  AppViewModel store(cache, clock);
+  context.store = &store;
+  if (command.access != Access::upkeep) store.reloadNow(choosePrefix(cache, line));
+  if (!store.loadProblem().empty()) return refused(store.loadProblem());
+  return QCoro::waitFor(runCommand(&command, std::move(context), line.arguments));
+}
+
+/// What the command finds in a store that nobody has made yet.
+CommandResult runOnEmptyStore(const CommandLine& line, const FixedClock& clock, CommandContext context) {
+  const QTemporaryDir folder;
+  const auto cache = LocalCache::open(QFile::encodeName(folder.filePath(QStringLiteral("empty.db"))).toStdString());
+  if (!cache) return refused(cache.error().message);
+  std::string notice = fmt::format("There is no store {} yet.\n", context.storeFile.string());
+  CommandResult result = runOnStore(line, **cache, clock, std::move(context));
+  result.err = std::move(notice) + result.err;
+  return result;
+}
+
+}  // namespace
+
 CommandResult runInThisProcess(const CommandLine& line, const Surroundings& surroundings) {
   const Command& command = *line.command;
   const SystemClock system;
@@ -63,15 +90,14 @@ CommandResult runInThisProcess(const CommandLine& line, const Surroundings& surr
                          .input = surroundings.input,
                          .workingDirectory = surroundings.workingDirectory,
                          .storeFile = surroundings.storeFile};
-  if (command.access == Access::replacesFile) return QCoro::waitFor(runCommand(&command, context, line.arguments));
+  if (command.access == Access::none || command.access == Access::replacesFile)
+    return QCoro::waitFor(runCommand(&command, context, line.arguments));
 
-  auto cache = LocalCache::open(surroundings.storeFile, {.create = command.createsStore});
-  if (!cache) return refused(cache.error().message);
-  AppViewModel store(**cache, fixed);
-  context.store = &store;
-  if (command.access != Access::upkeep) store.reloadNow(choosePrefix(**cache, line));
-  if (!store.loadProblem().empty()) return refused(store.loadProblem());
-  return QCoro::waitFor(runCommand(&command, context, line.arguments));
+  const auto cache = LocalCache::open(surroundings.storeFile, {.create = command.createsStore});
+  if (cache) return runOnStore(line, **cache, fixed, std::move(context));
+  if (cache.error().kind == CacheError::Kind::notFound && command.access == Access::reads)
+    return runOnEmptyStore(line, fixed, std::move(context));
+  return refused(cache.error().message);
 }
 
 }  // namespace thalvorn::cli

@@ -33,8 +33,9 @@ std::optional<CommandResult> answerWithoutStore(const CommandLine& line);
 /// Carries the command out; an exception that leaves it becomes a refusal.
 QCoro::Task<CommandResult> runCommand(const Command* command, CommandContext context, Arguments arguments);
 
-/// Opens the store, carries out the command and closes the store. The caller holds the store's lock. Needs a
-/// QCoreApplication; the answer is not `explained` yet.
+/// Opens the store, carries out the command and closes the store. A command that only reads finds no records where
+/// there is no store yet, and says so. The caller holds the store's lock. Needs a QCoreApplication; the answer is not
+/// `explained` yet.
 CommandResult runInThisProcess(const CommandLine& line, const Surroundings& surroundings);
 
 }  // namespace thalvorn::cli

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 #include "base/date_format.h"
@@ -74,7 +75,7 @@ std::string historyJson(const AppViewModel& store, const History& history) {
     logs.push_back(text.text("currency", currencyOf(store, log->vesselID)).take());
   }
   JsonObject totals;
-  for (const auto& [currency, cost] : history.totals) totals.number(currency, cost);
+  for (const auto& [currency, cost] : history.totals) totals.number(currency, std::round(cost * 100) / 100);
   return JsonObject().json("logs", jsonList(logs)).json("totals", totals.take()).take() + "\n";
 }
 

@@ -17,12 +17,13 @@ namespace {
 std::string metersText(const CommandContext& context, const Vessel& vessel) {
   if (context.json) {
     JsonObject meters;
-    for (const HourSource source : vessel.meters()) meters.number(rawText(source), vessel.reading(source));
+    for (const HourSource source : allCases<HourSource>()) meters.number(rawText(source), vessel.reading(source));
     return JsonObject().json("vessel", toJson(vessel)).json("meters", meters.take()).take() + "\n";
   }
   TextTable table({TextTable::Align::left, TextTable::Align::left, TextTable::Align::right});
-  for (const HourSource source : vessel.meters())
-    table.row({std::string(rawText(source)), std::string(meterLabel(source)), hoursText(vessel.reading(source))});
+  for (const HourSource source : allCases<HourSource>())
+    if (vessel.hasMeter(source) || vessel.reading(source) != 0)
+      table.row({std::string(rawText(source)), std::string(meterLabel(source)), hoursText(vessel.reading(source))});
   return fmt::format("{}, meters {}\n{}", printable(vessel.name),
                      vessel.engineHoursUpdatedAt
                          ? "as of " + formatDateTime(context.calendar.local(*vessel.engineHoursUpdatedAt))

@@ -61,7 +61,7 @@ CommandResult list(const AppViewModel& store, const Arguments& arguments) {
   return done(jsonLines(records));
 }
 
-// ---- put ------------------------------------------------------------------------------------------------------------
+// Put.
 
 /// The records of standard input as pieces of JSON, and whether they stood in a list.
 struct Pieces {
@@ -125,15 +125,57 @@ std::expected<T, JsonError> readRecord(const AppViewModel& store, const RawEleme
   return record;
 }
 
+/// What a form would not let a person enter in a field: a number out of its range, a choice that is not known. Empty
+/// when all is well.
+template <class T, class V>
+std::string oddity(std::string_view field, const V& value) {
+  if constexpr (requires { value.has_value(); }) {
+    return value ? oddity<T>(field, *value) : std::string();
+  } else if constexpr (isChoice<V>) {
+    if (!value.isKnown()) return fmt::format("{}: “{}” is not known here", field, printable(value.raw()));
+  } else if constexpr (HasFacts<T> && std::is_arithmetic_v<V> && !std::is_same_v<V, bool>) {
+    const FieldFacts* facts = factsOf<T>(field);
+    const auto number = static_cast<double>(value);
+    if (facts != nullptr && (number < facts->minimum || number > facts->maximum))
+      return fmt::format("{}: {} is not between {} and {}", field, value, facts->minimum, facts->maximum);
+  }
+  return {};
+}
+
+/// Tells of odd values, which are stored all the same: a newer program may have written them, and what is wrong with an
+/// old record must not keep it out.
+class Oddities {
+ public:
+  template <class T>
+  void look(const T& record, const std::string& place) {
+    forEachField(record, [&](std::string_view field, const auto& value) {
+      const std::string found = oddity<T>(field, value);
+      if (!found.empty() && ++count_ <= kMostTold) notices_ += fmt::format("{}{}; stored as it is.\n", place, found);
+    });
+  }
+
+  std::string take() {
+    if (count_ > kMostTold) notices_ += fmt::format("… and {} more.\n", count_ - kMostTold);
+    return std::move(notices_);
+  }
+
+ private:
+  static constexpr std::size_t kMostTold = 20;
+  std::size_t count_ = 0;
+  std::string notices_;
+};
+
 template <class T>
 struct Reading {
   Edit edit;
   std::vector<Uuid> ids;
+  std::string notices;
 };
 
 template <class T>
 std::expected<Reading<T>, std::string> readAll(const AppViewModel& store, const Pieces& pieces) {
   Reading<T> reading;
+  Oddities oddities;
   std::unordered_map<Uuid, std::size_t> places;
   for (std::size_t i = 0; i < pieces.elements.size(); ++i) {
     const std::string place = pieces.inList ? fmt::format("Record {} of {}: ", i + 1, pieces.elements.size()) : "";
@@ -143,6 +185,7 @@ std::expected<Reading<T>, std::string> readAll(const AppViewModel& store, const 
     if (!fresh)
       return std::unexpected(
           fmt::format("{}id: is that of record {} too. Nothing was stored.", place, earlier->second + 1));
+    oddities.look(*record, place);
     reading.ids.push_back(record->id);
     if (const T* stored = store.collection<T>().find(record->id)) {
       reading.edit.replace(*stored, std::move(*record));
@@ -152,6 +195,7 @@ std::expected<Reading<T>, std::string> readAll(const AppViewModel& store, const 
   }
   const KindFacts& facts = RecordKind<T>::facts;
   reading.edit.label = counted(reading.ids.size(), facts.singular, facts.plural) + " put";
+  reading.notices = oddities.take();
   return reading;
 }
 
@@ -167,11 +211,11 @@ QCoro::Task<CommandResult> put(CommandContext context) {
   std::vector<std::string> stored;
   for (const Uuid& id : reading->ids)
     if (const T* record = context.store->collection<T>().find(id)) stored.push_back(toJson(*record, shownFields<T>));
-  if (pieces->inList || stored.empty()) co_return done(jsonLines(stored));
-  co_return done(stored.front() + "\n");
+  const bool asList = pieces->inList || stored.empty();
+  co_return CommandResult{kDone, asList ? jsonLines(stored) : stored.front() + "\n", std::move(reading->notices)};
 }
 
-// ---- delete ---------------------------------------------------------------------------------------------------------
+// Delete.
 
 template <class T>
 QCoro::Task<CommandResult> remove(CommandContext context, Uuid id) {

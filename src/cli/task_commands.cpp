@@ -10,6 +10,7 @@
 #include "cli/text_table.h"
 #include "cli/values.h"
 #include "core/meter_pace.h"
+#include "core/part_text.h"
 #include "core/status_reason.h"
 #include "core/task_board.h"
 #include "core/task_completion.h"
@@ -135,7 +136,7 @@ Read<CompletionForm> completionForm(const CommandContext& context, const Argumen
     form.readings.push_back({meter->first, meter->second});
   }
   for (const std::string& written : arguments.values("--part")) {
-    auto part = readPart(written);
+    auto part = partFromText(written);
     if (!part) return std::unexpected(part.error());
     form.partsUsed.push_back(std::move(*part));
   }

@@ -11,15 +11,12 @@
 #include <span>
 #include <vector>
 
-#include "base/csv.h"
 #include "base/date_format.h"
 
 namespace thalvorn::cli {
 namespace {
 
 constexpr double kMostHours = 1e6;
-constexpr double kMostParts = 1e6;
-constexpr double kMostMoney = 1e9;
 
 QString text(std::string_view utf8) { return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size())); }
 
@@ -109,35 +106,6 @@ Read<std::pair<HourSource, double>> readMeter(std::string_view written) {
   const auto hours = readNumber(written.substr(equals + 1), "the reading", 0, kMostHours);
   if (!hours) return std::unexpected(hours.error());
   return std::pair{*source, *hours};
-}
-
-Read<PartUsage> readPart(std::string_view written) {
-  PartUsage part{.id = Uuid::random(), .name = {}, .quantity = 1, .partNumber = {}, .cost = {}};
-  std::string quantity;
-  std::string cost;
-  bool tooMany = false;
-  readCsv(CsvSource{written, CsvSeparator::semicolon, 1}, [&](const CsvRow& row) {
-    part.name = row.cell(0);
-    quantity = row.cell(1);
-    part.partNumber = row.cell(2);
-    cost = row.cell(3);
-    tooMany = row.cells.size() > 4;
-    return false;
-  });
-  if (part.name.empty() || tooMany)
-    return std::unexpected(fmt::format(
-        "“{}” is not a part; write NAME;QUANTITY;NUMBER;COST, as in \"Oil filter;2;1R-0739;38.50\".", written));
-  if (!quantity.empty()) {
-    const auto number = readNumber(quantity, "the quantity of a part", 0, kMostParts);
-    if (!number) return std::unexpected(number.error());
-    part.quantity = *number;
-  }
-  if (!cost.empty()) {
-    const auto number = readNumber(cost, "the cost of a part", 0, kMostMoney);
-    if (!number) return std::unexpected(number.error());
-    part.cost = *number;
-  }
-  return part;
 }
 
 Read<TaskKind> readKind(std::string_view name) {

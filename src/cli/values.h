@@ -10,7 +10,6 @@
 #include "base/enums.h"
 #include "base/timestamp.h"
 #include "core/maintenance_enums.h"
-#include "core/service_log.h"
 
 /// Values as they are written on a command line. Errors are sentences that say what to write instead.
 namespace thalvorn::cli {
@@ -33,9 +32,6 @@ Read<std::pair<HourSource, double>> readMeter(std::string_view text);
 
 /// A meter by name.
 Read<HourSource> readHourSource(std::string_view text);
-
-/// A part line "NAME;QTY;NUMBER;COST"; what is missing behind the name is 1, empty, none.
-Read<PartUsage> readPart(std::string_view text);
 
 /// A task kind by stored name, case name or display name.
 Read<TaskKind> readKind(std::string_view text);

@@ -85,7 +85,7 @@ bool hasAboard(const Yacht& yacht, const TaskTemplate& made) {
 
 class Builder {
  public:
-  Builder(Timestamp now, const Calendar& calendar) : now_(now), calendar_(calendar) {}
+  Builder(Timestamp now, const Calendar& calendar) : today_(calendar.startOfDay(now) + 12h), calendar_(calendar) {}
 
   DemoFleet build() {
     for (const Yacht& yacht : demo::yachts()) {
@@ -104,17 +104,21 @@ class Builder {
     return Uuid::named(kDemoSpace, fmt::format("{}/{}/{}", what, yacht.vessel.name, name));
   }
 
-  /// A moment of a working day `daysAgo` days ago; never to come.
+  /// A moment of a working day `daysAgo` days ago, 1 or more.
   Timestamp workingHour(int daysAgo, Dice& dice) const {
-    const Timestamp day = calendar_.startOfDay(calendar_.addDays(now_, -daysAgo).value_or(now_));
-    return std::min(now_, day + 8h + std::chrono::minutes(5 * dice.below(110)));
+    return calendar_.startOfDay(daysFromToday(-daysAgo)) + 8h + std::chrono::minutes(5 * dice.below(110));
+  }
+
+  Timestamp daysFromToday(int days) const { return calendar_.addDays(today_, days).value_or(today_); }
+
+  double daysSince(Timestamp when) const {
+    return std::chrono::duration<double, std::ratio<86400>>(today_ - when).count();
   }
 
   /// What a meter showed then, by the pace at which it runs.
   double readingAt(const Yacht& yacht, HourSource source, Timestamp when) const {
-    const double days = std::chrono::duration<double, std::ratio<86400>>(now_ - when).count();
     const double pace = yacht.hoursPerDay[static_cast<std::size_t>(source)];
-    return tenths(std::max(0.0, yacht.vessel.reading(source) - pace * days));
+    return tenths(std::max(0.0, yacht.vessel.reading(source) - pace * daysSince(when)));
   }
 
   void addVessel(const Yacht& yacht) {
@@ -152,7 +156,7 @@ class Builder {
       });
       const bool isSet = set != demo::setJobs().end();
       MaintenanceTask task =
-          taskFromTemplate(made, vessel(), {.startDate = now_}, calendar_, idOf("task", yacht, made.title));
+          taskFromTemplate(made, vessel(), {.startDate = today_}, calendar_, idOf("task", yacht, made.title));
       Dice dice(task.id);
       if (!isSet && (!hasAboard(yacht, made) || dice.below(100) >= yacht.share)) continue;
       const double interval = intervalDays(task, paceOf(yacht, task));
@@ -202,9 +206,9 @@ class Builder {
       daysAgo += std::max(1.0, interval * (92 + dice.below(14)) / 100);
     }
     if (snoozedForDays > 0) {
-      const Timestamp since = calendar_.addDays(now_, -2).value_or(now_);
-      const Timestamp until = calendar_.addDays(now_, snoozedForDays).value_or(now_);
-      if (auto snoozed = snoozeTask(task, until, since, calendar_, yacht.crew[0])) task = std::move(*snoozed);
+      const Timestamp until = daysFromToday(snoozedForDays);
+      if (auto snoozed = snoozeTask(task, until, daysFromToday(-2), calendar_, yacht.crew[0]))
+        task = std::move(*snoozed);
     }
     fleet_.tasks.push_back(std::move(task));
   }
@@ -231,7 +235,7 @@ class Builder {
       log.technicianNotes = demo::notesOf(category)[note % demo::notesOf(category).size()];
     log.completedBy = yacht.crew[static_cast<std::size_t>(demo::roleFor(category))];
     // Prices rise by some three per cent a year.
-    const double age = std::chrono::duration<double, std::ratio<86400>>(now_ - when).count() / 365;
+    const double age = daysSince(when) / 365;
     const auto price = [&](double today) { return std::round(today * (1 - 0.03 * age) * 100) / 100; };
     if (const auto* firm = rowForJob(demo::contractors(), task.title)) {
       log.completedBy = firm->name;
@@ -257,7 +261,7 @@ class Builder {
       task.priority = defect.priority;
       task.isCompleted = defect.doneDaysAgo > 0;
       Dice dice(task.id);
-      const Timestamp from = task.isCompleted ? workingHour(defect.doneDaysAgo, dice) : now_;
+      const Timestamp from = task.isCompleted ? workingHour(defect.doneDaysAgo, dice) : today_;
       task.dueDate = calendar_.addDays(calendar_.startOfDay(from) + 18h, defect.dueInDays);
       if (task.isCompleted) {
         ServiceLog& log = addLog(yacht, task, from, 0, 0);
@@ -269,7 +273,7 @@ class Builder {
     }
   }
 
-  Timestamp now_;
+  Timestamp today_;  ///< noon: the fleet is the same at any hour of a day
   const Calendar& calendar_;
   DemoFleet fleet_;
 };

@@ -18,7 +18,8 @@ struct DemoFleet {
   std::vector<ServiceLog> logs;  ///< latest first
 };
 
-/// Always the same records, dated so that today some work is overdue, some due soon and some on track.
+/// Always the same records, dated so that today some work is overdue, some due soon and some on track. They depend on
+/// the date alone, not on the hour.
 DemoFleet demoFleet(Timestamp now, const Calendar& calendar);
 
 }  // namespace thalvorn

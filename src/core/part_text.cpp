@@ -51,32 +51,36 @@ std::string partsText(const std::vector<PartUsage>& parts) {
   return out;
 }
 
+std::expected<PartUsage, std::string> partFromText(std::string_view text) {
+  PartUsage part{.id = Uuid::random(), .name = {}, .quantity = 1, .partNumber = {}, .cost = {}};
+  bool understood = false;
+  const auto number = [&](std::string_view cell, double most) {
+    const auto value = parseNumber(cell);
+    understood = understood && value && *value >= 0 && *value <= most;
+    return value.value_or(0);
+  };
+  readCsv(CsvSource{text, CsvSeparator::semicolon, 1}, [&](const CsvRow& row) {
+    const auto cell = [&](std::size_t i) { return i < row.cells.size() ? row.cells[i] : std::string_view(); };
+    part.name = cell(0);
+    part.partNumber = cell(2);
+    understood = row.cells.size() <= 4 && (!part.name.empty() || !part.partNumber.empty());
+    if (!row.cell(1).empty()) part.quantity = number(row.cell(1), mostParts);
+    if (!row.cell(3).empty()) part.cost = number(row.cell(3), mostMoney);
+    return false;
+  });
+  if (understood) return part;
+  return std::unexpected(
+      fmt::format("“{}” is not a part; write NAME;QUANTITY;NUMBER;COST, as in Oil filter;2;1R-0739;38.50.", text));
+}
+
 std::expected<std::vector<PartUsage>, std::string> partsFromText(std::string_view text) {
   std::vector<PartUsage> parts;
   while (!text.empty()) {
     const auto written = takePart(text);
     if (written.empty()) continue;
-    PartUsage part{.id = Uuid::random(), .name = {}, .quantity = 1, .partNumber = {}, .cost = {}};
-    bool understood = true;
-    const auto number = [&](std::string_view cell, double most) -> std::optional<double> {
-      const auto value = parseNumber(cell);
-      understood = understood && value && *value >= 0 && *value <= most;
-      return value ? std::optional(*value) : std::nullopt;
-    };
-    readCsv(CsvSource{written, CsvSeparator::semicolon, 1}, [&](const CsvRow& row) {
-      const auto cell = [&](std::size_t i) { return i < row.cells.size() ? row.cells[i] : std::string_view(); };
-      part.name = cell(0);
-      part.partNumber = cell(2);
-      if (!row.cell(1).empty()) part.quantity = number(row.cell(1), mostParts).value_or(0);
-      if (!row.cell(3).empty()) part.cost = number(row.cell(3), mostMoney);
-      understood = understood && row.cells.size() <= 4 && (!part.name.empty() || !part.partNumber.empty());
-      return false;
-    });
-    if (!understood) {
-      return std::unexpected(fmt::format(
-          "“{}” is not a part; write NAME;QUANTITY;NUMBER;COST, as in Oil filter;2;1R-0739;38.50.", written));
-    }
-    parts.push_back(std::move(part));
+    auto part = partFromText(written);
+    if (!part) return std::unexpected(std::move(part.error()));
+    parts.push_back(std::move(*part));
   }
   return parts;
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <unordered_set>
 
 #include "base/date_format.h"
 #include "base/number_format.h"
@@ -179,6 +180,25 @@ ServiceCsvImport serviceLogsFromCsv(std::string_view text, const Uuid& vesselID,
     return true;
   });
   return import;
+}
+
+std::vector<ServiceLog> withoutKnown(std::vector<ServiceLog> logs, std::span<const ServiceLog> history,
+                                     std::span<const Vessel> fleet, const Uuid& vesselID) {
+  const auto nameOf = [](const ServiceLog& log) {
+    return log.vesselID.toString() + formatTimestamp(log.completedDate) + log.taskTitle;
+  };
+  std::unordered_set<Uuid> knownIDs;
+  std::unordered_set<std::string> knownNames;
+  for (const ServiceLog& log : history) {
+    knownIDs.insert(log.id);
+    knownNames.insert(nameOf(log));
+  }
+  std::erase_if(logs, [&](ServiceLog& log) {
+    if (std::ranges::find(fleet, log.vesselID, &Vessel::id) == fleet.end()) log.vesselID = vesselID;
+    const bool newID = knownIDs.insert(log.id).second;
+    return !knownNames.insert(nameOf(log)).second || !newID;
+  });
+  return logs;
 }
 
 }  // namespace thalvorn

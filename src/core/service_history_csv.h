@@ -9,6 +9,7 @@
 #include "base/calendar.h"
 #include "base/csv.h"
 #include "core/service_log.h"
+#include "core/vessel.h"
 
 namespace thalvorn {
 
@@ -32,5 +33,10 @@ struct ServiceCsvImport {
 /// without an identity get a new one, those without a vessel belong to `vesselID`. A semicolon file has decimal commas.
 ServiceCsvImport serviceLogsFromCsv(std::string_view text, const Uuid& vesselID, const Calendar& calendar,
                                     std::optional<CsvSeparator> separator = std::nullopt);
+
+/// Those of `logs` that the history does not have: by identity, and by vessel, time and title where a file has none.
+/// Logs of a vessel that is not in the fleet become those of `vesselID`.
+std::vector<ServiceLog> withoutKnown(std::vector<ServiceLog> logs, std::span<const ServiceLog> history,
+                                     std::span<const Vessel> fleet, const Uuid& vesselID);
 
 }  // namespace thalvorn

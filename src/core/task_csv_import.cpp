@@ -232,8 +232,6 @@ std::vector<MaintenanceTask> tasksFromRows(const std::vector<TaskCsvRow>& rows, 
     task.kind = row.kind;
     const std::int64_t days = row.recurringDays.value_or(0);
     if (!task.dueDate && days > 0) task.dueDate = calendar.addDays(now, days);
-    const double hours = row.recurringHours.value_or(0);
-    if (!task.dueAtEngineHours && hours > 0) task.dueAtEngineHours = vessel.reading(task.hourSource) + hours;
   }
   return tasks;
 }

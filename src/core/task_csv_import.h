@@ -65,8 +65,9 @@ std::string previewSummary(const TaskCsvPreview& preview);
 TaskCsvPreview previewTaskCsv(std::string_view text, const Calendar& calendar,
                               std::optional<CsvSeparator> separator = std::nullopt);
 
-/// One new task of `vessel` per valid row. A row that gives an interval but no due point first falls due an interval
-/// from now, or from what the meter shows.
+/// One new task of `vessel` per valid row. Numbers that the file leaves out stay out: without a due reading the task
+/// waits for its first service, which gives it one. A row with an interval of days but no due date first falls due that
+/// long from now.
 std::vector<MaintenanceTask> tasksFromRows(const std::vector<TaskCsvRow>& rows, const Vessel& vessel, Timestamp now,
                                            const Calendar& calendar);
 

@@ -119,6 +119,12 @@ int systemErrorOf(sqlite3* database) {
   return result;
 }
 
+/// Whether the index of the write-ahead log, a file that even reading needs, could not be made.
+bool lacksRoomForIndex(const SQLite::Exception& error) {
+  const int code = error.getExtendedErrorCode();
+  return code == SQLITE_IOERR_SHMSIZE || code == SQLITE_IOERR_SHMMAP || code == SQLITE_IOERR_SHMOPEN;
+}
+
 std::string newerVersionReason(const fs::path& file) { return cacheError(Kind::newerVersion, file).message; }
 
 std::expected<CacheFile, CacheError> openWritable(const fs::path& file) {
@@ -234,7 +240,14 @@ std::expected<CacheFile, CacheError> openCacheFile(const fs::path& file, bool cr
       if (size == 0) return std::unexpected(cacheError(Kind::readOnly, file));
       return openReadOnly(file, cacheError(Kind::readOnly, file).message);
     }
-    return openWritable(file);
+    try {
+      return openWritable(file);
+    } catch (const SQLite::Exception& failed) {
+      if (size == 0 || !lacksRoomForIndex(failed)) throw;
+      return openReadOnly(file,
+                          "The disk is full, so the records can only be looked at. Free some space, then start "
+                          "again.");
+    }
   } catch (const SQLite::Exception& failed) {
     return std::unexpected(cacheError(failed, nullptr, file));
   }

@@ -107,7 +107,7 @@ class WorkTest(CliTest):
         self.fails(1, "complete", squawk["id"], says="already completed")
         for words, says in [(["--cost", "lots"], "the labor cost"), (["--cost", "1e400"], "between"), (["--cost", "-1"], "between"),
                             (["--meter", "engine9=1"], "no meter “engine9”"), (["--meter", "engine"], "engine2=1234.5"),
-                            (["--part", ";2"], "NAME;QUANTITY"), (["--part", "x;two"], "quantity"), (["--on", "x"], "not a time")]:
+                            (["--part", ";2"], "NAME;QUANTITY"), (["--part", "x;two"], "“x;two” is not a part"), (["--on", "x"], "not a time")]:
             self.fails(2, "complete", task["id"], *words, says=says)
         self.fails(1, "complete", vessel["id"], says="There is no task")
         self.assertEqual(len(self.done("list", "logs")), 2)
@@ -116,10 +116,12 @@ class WorkTest(CliTest):
         vessel = self.vessel(hasGenerator=True)
         task = self.task(vessel, hourSource="engine", dueAtEngineHours=150)
         show = lambda *words: self.done("--json", "meters", "meridian", *words)["meters"]
-        self.assertEqual(show(), {"engine": 0, "generator1": 0})
-        self.assertEqual(show("engine=100", "Gen 1=7.5"), {"engine": 100, "generator1": 7.5})
-        status, out, err = self.run_cli("meters", "meridian", "engine=90")
-        self.assertEqual((status, "Engine 1  100.0 hrs" in out, "Engine 1" in err), (0, True, True))
+        none = dict.fromkeys(["engine", "engine2", "engine3", "generator1", "generator2", "hydraulic"], 0)
+        self.assertEqual(show(), none)
+        self.assertEqual(show("engine=100", "Gen 1=7.5"), {**none, "engine": 100, "generator1": 7.5})
+        status, out, err = self.run_cli("meters", "meridian", "engine=90", "hydraulic=3")
+        self.assertEqual((status, err.count("\n")), (0, 2), err)
+        self.assertEqual([line.split()[0] for line in out.splitlines()[1:]], ["engine", "generator1", "hydraulic"])
         self.fails(2, "meters", "meridian", "engine=1e9", says="between")
         self.fails(2, "correct-meter", "meridian", "engine=1", says="--reason")
         self.fails(1, "correct-meter", "meridian", "engine=1", "--reason", " ", says="")
@@ -150,8 +152,8 @@ class WorkTest(CliTest):
                          [("Oil", True), ("Pump; bilge", True), ("", False)])
         self.assertEqual(len(self.done("list", "tasks")), 2)
         self.assertEqual(self.done("import-tasks", "-", "--vessel", "mer", input=sample.encode())["valid"], 2)
-        self.assertEqual([(task["title"], task.get("dueAtEngineHours")) for task in self.done("list", "tasks")[2:]],
-                         [("Oil", 1100.5), ("Pump; bilge", None)])
+        self.assertEqual([(task["title"], task.get("dueAtEngineHours"), task.get("recurringEngineHours"))
+                          for task in self.done("list", "tasks")[2:]], [("Oil", None, 100.5), ("Pump; bilge", None, None)])
         self.fails(1, "import-tasks", "missing.csv", "--vessel", "mer", says="Could not read CSV file.")
         self.fails(1, "import-tasks", ".", "--vessel", "mer", says="Could not read CSV file.")
         self.fails(1, "import-tasks", "-", "--vessel", "mer", input=b"a,b\n1,2\n", says="title")
@@ -174,6 +176,20 @@ class WorkTest(CliTest):
             self.assertTrue((self.folder / "r.pdf").read_bytes().startswith(b"%PDF-"))
         again = self.done("import-tasks", "work-list.csv", "--vessel", "mer", "--dry-run")
         self.assertEqual(again["valid"], len(self.board("--vessel", "mer")["tasks"]))
+
+        logs = self.done("list", "logs", "--vessel", "mer")
+        lost = logs[1]
+        self.done("delete", "logs", lost["id"])
+        known = {"new": 1, "known": len(logs) - 1, "skipped": 0, "logs": [lost]}
+        words = ["import-history", "service-history.csv", "--vessel", "mer"]
+        self.assertEqual(self.done(*words, "--dry-run"), known)
+        self.assertEqual(self.done(*words), known)
+        self.assertEqual(self.done(*words)["known"], len(logs))
+        without_ids = b"taskTitle,completedDate\nOil,2020-01-31\nOil,2020-01-31\n,2020-02-01\n"
+        status, out, err = self.run_cli("import-history", "-", "--vessel", "mer", input=without_ids)
+        self.assertEqual([json.loads(out)[key] for key in ("new", "known", "skipped")], [1, 1, 1])
+        self.assertIn("Line 4: Skipped: the task’s title is missing.", err)
+        self.fails(1, "import-history", "-", "--vessel", "mer", input=b"a,b\n1,2\n", says="taskTitle")
 
 
 if __name__ == "__main__":

@@ -1,5 +1,6 @@
 """list, put and delete, and how a command line is read."""
 
+import json
 import unittest
 import uuid
 
@@ -37,8 +38,18 @@ class LineTest(CliTest):
         for name in names[:-1]:
             self.assertTrue(self.done("help", name).startswith(f"usage: thalvorn-cli {name}"))
             self.assertEqual(self.done(name, "--help"), self.done("help", name))
+
+    def test_where_no_store_is_reading_finds_nothing_and_leaves_nothing(self):
+        self.assertIn("Bleed diesel system", self.done("templates"))
+        status, out, err = self.run_cli("list", "crewMembers")
+        self.assertEqual((status, out), (0, "[]\n"))
+        self.assertIn(f"There is no store {self.store} yet.", err)
+        self.assertEqual(self.board()["tasks"], [])
+        for words in [("check",), ("backup", "copy.db"), ("delete", "vessels", "11111111-0000-4000-8000-000000000001")]:
+            self.fails(1, *words, says="There is no store")
+        self.store = self.folder / "mistyped" / "fleet.db"
         self.fails(1, "list", "vessels", says="There is no store")
-        self.assertFalse(self.store.exists())
+        self.assertEqual([path.name for path in self.folder.iterdir()], ["run"])
 
 
 class RecordsTest(CliTest):
@@ -93,6 +104,16 @@ class RecordsTest(CliTest):
                 self.fails(1, "put", "tasks", input=text, says=says)
         self.assertEqual(self.done("list", "tasks"), [])
         self.assertEqual(self.put("tasks", b"\xef\xbb\xbf[]"), [])
+
+    def test_odd_values_are_stored_and_told(self):
+        vessel = self.vessel(engineHours=100)
+        tasks = [{"vesselID": vessel["id"], "title": "Oil", "priority": "urgent", "recurringDays": -3}, {"vesselID": vessel["id"]}]
+        status, out, err = self.run_cli("put", "tasks", input=tasks)
+        self.assertEqual((status, json.loads(out)), (0, self.done("list", "tasks")), err)
+        self.assertEqual(err.splitlines(), ["Record 1 of 2: recurringDays: -3 is not between 0 and 36500; stored as it is.",
+                                            "Record 1 of 2: priority: “urgent” is not known here; stored as it is."])
+        _, _, err = self.run_cli("put", "tasks", input=tasks[:1] * 30)
+        self.assertTrue(err.endswith("… and 40 more.\n"), err)
 
     def test_vessels_are_found_by_id_name_and_beginning(self):
         meridian, mistral, aurora = self.vessel("M/Y Meridian"), self.vessel("M/Y Mistral"), self.vessel("Aurora")

@@ -136,19 +136,37 @@ class StoreTest(CliTest):
     def test_a_full_disk_refuses_the_edit_and_loses_nothing(self):
         self.vessel("Saved before")
 
-        def nearly_full():
-            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-            resource.setrlimit(resource.RLIMIT_FSIZE, (100 * 1024, 100 * 1024))
+        def on_full_disk(room, *words, input=b""):
+            def fill():
+                signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+                resource.setrlimit(resource.RLIMIT_FSIZE, (room, room))
 
-        process = self.start("put", "vessels", preexec_fn=nearly_full)
-        out, err = process.communicate(json.dumps([{"name": "New", "notes": "x" * 1000}] * 300).encode())
-        self.assertEqual((process.returncode, out, b"Nothing was changed" in err), (1, b"", True), err)
+            process = self.start(*words, preexec_fn=fill)
+            out, err = process.communicate(input)
+            return process.returncode, out, err
+
+        many = json.dumps([{"name": "New", "notes": "x" * 1000}] * 300).encode()
+        status, out, err = on_full_disk(100 * 1024, "put", "vessels", input=many)
+        self.assertEqual((status, out, b"Nothing was changed" in err), (1, b"", True), err)
+        self.assertEqual(self.names(), ["Saved before"])
+        status, out, err = on_full_disk(8 * 1024, "list", "vessels")
+        self.assertEqual((status, b"Saved before" in out), (0, True), err)
+        status, out, err = on_full_disk(8 * 1024, "put", "vessels", input=b'{"name":"New"}')
+        self.assertEqual((status, out, b"The disk is full" in err), (1, b"", True), err)
         self.assertEqual(self.names(), ["Saved before"])
         self.assertTrue(self.done("check", "--json")["sound"])
 
-    def test_a_file_that_cannot_be_written_is_read_and_edits_are_refused(self):
+    def test_a_store_that_cannot_be_locked_is_read_and_edits_are_refused(self):
         self.fails(1, "put", "vessels", input=b"", says="empty")
         self.vessel()
+        lock = Path(f"{self.store}.lock")
+        lock.unlink()
+        lock.mkdir()
+        self.assertEqual(self.names(), ["M/Y Meridian"])
+        self.assertIn("sound", self.done("check"))
+        self.fails(1, "put", "vessels", input={"name": "x"}, says="cannot be locked")
+
+    def test_what_is_no_store_is_refused(self):
         folder = self.folder / "a folder"
         folder.mkdir()
         self.store = folder

@@ -27,7 +27,8 @@ TEST(TaskCsv, TheSampleImportsWhole) {
   ASSERT_EQ(tasks.size(), 5U);
   EXPECT_EQ(tasks[0].title, "Engine oil change");
   EXPECT_EQ(tasks[0].triggerType, TriggerType::engineHours);
-  EXPECT_EQ(tasks[0].dueAtEngineHours, 1100) << "an hours interval from what the meter shows";
+  EXPECT_EQ(tasks[0].dueAtEngineHours, std::nullopt) << "absent numbers stay absent";
+  EXPECT_EQ(tasks[0].recurringEngineHours, 100);
   EXPECT_FALSE(tasks[0].dueDate);
   EXPECT_EQ(tasks[0].notes, "SAE 15W-40");
   EXPECT_EQ(tasks[1].category, TaskCategory::safety);

@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QQmlEngine>
-#include <unordered_set>
 
 #include "app/export_choices.h"
 #include "app/history/service_detail.h"
@@ -100,7 +99,7 @@ QVariantMap ServiceHistory::readCsv(const QUrl& file) {
                                          : toQt(import.problems.front().message));
   }
   const std::size_t inFile = import.logs.size();
-  read_ = withoutKnown(std::move(import.logs), *vessel);
+  read_ = withoutKnown(std::move(import.logs), store_.logs().records(), store_.vessels().records(), *vessel);
   QStringList problems;
   for (const ServiceCsvProblem& problem : import.problems)
     problems << QStringLiteral("Line %1: %2").arg(problem.line).arg(toQt(problem.message));
@@ -110,19 +109,6 @@ QVariantMap ServiceHistory::readCsv(const QUrl& file) {
                                           .arg(import.skipped)},
           {QStringLiteral("problems"), problems},
           {QStringLiteral("count"), static_cast<int>(read_.size())}};
-}
-
-std::vector<ServiceLog> ServiceHistory::withoutKnown(std::vector<ServiceLog> logs, const Uuid& vessel) const {
-  const auto nameOf = [](const ServiceLog& log) {
-    return log.vesselID.toString() + formatTimestamp(log.completedDate) + log.taskTitle;
-  };
-  std::unordered_set<std::string> known;
-  for (const ServiceLog& log : store_.logs().records()) known.insert(nameOf(log));
-  std::erase_if(logs, [&](ServiceLog& log) {
-    if (!store_.vessels().find(log.vesselID)) log.vesselID = vessel;
-    return store_.logs().find(log.id) || !known.insert(nameOf(log)).second;
-  });
-  return logs;
 }
 
 void ServiceHistory::importServices() {

@@ -50,9 +50,6 @@ class ServiceHistory : public QObject {
   void changed();
 
  private:
-  /// Those that the history does not have: by identity, and by vessel, time and title where a file has none.
-  std::vector<ServiceLog> withoutKnown(std::vector<ServiceLog> logs, const Uuid& vessel) const;
-
   AppViewModel& store_;
   const AttachmentStore& attachments_;
   PreferenceStore& preferences_;

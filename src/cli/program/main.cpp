@@ -98,14 +98,25 @@ CommandResult handOver(const InstanceClient& window, const CommandLine& line, co
   return {reply->exitStatus, reply->output.toStdString(), reply->errorOutput.toStdString()};
 }
 
+/// Whether the command may find a store that nobody has made yet empty. A folder that is not there either was mistyped.
+bool maySeeEmpty(const CommandLine& line, const std::filesystem::path& file) {
+  std::error_code error;
+  return line.command->access == Access::reads &&
+         (!line.storeFile || std::filesystem::is_directory(file.parent_path(), error));
+}
+
 CommandResult carryOut(const CommandLine& line, const std::vector<std::string>& words) {
-  const auto store = storePath(line);
-  if (!store) return explained(store.error(), line.command);
+  const Access access = line.command->access;
   Surroundings surroundings;
-  surroundings.storeFile = QFile::encodeName(*store).toStdString();
   std::error_code error;
   surroundings.workingDirectory = std::filesystem::current_path(error);
+  if (access == Access::none) return explained(runInThisProcess(line, surroundings), line.command);
+
+  const auto store = storePath(line);
+  if (!store) return explained(store.error(), line.command);
+  surroundings.storeFile = QFile::encodeName(*store).toStdString();
   if (!line.command->createsStore && !std::filesystem::exists(surroundings.storeFile, error)) {
+    if (maySeeEmpty(line, surroundings.storeFile)) return explained(runInThisProcess(line, surroundings), line.command);
     return explained(refused(fmt::format("There is no store {}. The commands demo, put and restore make one.",
                                          surroundings.storeFile.string())),
                      line.command);
@@ -116,8 +127,15 @@ CommandResult carryOut(const CommandLine& line, const std::vector<std::string>& 
     surroundings.input = std::make_shared<const std::string>(std::move(*input));
   }
   const auto claimed = claimForCommand(*store, kWaitForOtherCommands);
-  if (!claimed) return explained(refusedBy(claimed.error()), line.command);
-  if (const auto* window = std::get_if<InstanceClient>(&*claimed)) return handOver(*window, line, words, surroundings);
+  if (claimed) {
+    if (const auto* window = std::get_if<InstanceClient>(&*claimed))
+      return handOver(*window, line, words, surroundings);
+  } else {
+    // Where no lock can be made, on a read-only disk for one, the store can still be looked at.
+    const bool looks = access == Access::reads || access == Access::upkeep;
+    if (!looks || claimed.error().problem != InstanceProblem::unavailable)
+      return explained(refusedBy(claimed.error()), line.command);
+  }
   return explained(runInThisProcess(line, surroundings), line.command);
 }
 
