@@ -202,7 +202,7 @@ Response Exchange::signUp() {
   if (user && user->confirmed) {
     // Whether an address has an account is not told: the reply looks as if it were new.
     auto reply = json::parse(user->reply).get_object();
-    const auto now = query(withTimes("select auth_time(now())"));
+    const auto now = query(withTimes("select auth_time(current_timestamp)"));
     for (const auto* name : {"confirmation_sent_at", "created_at", "updated_at"}) reply[name] = now.text(0, 0);
     for (const auto* name : {"confirmed_at", "email_confirmed_at", "last_sign_in_at", "recovery_sent_at"})
       reply.erase(name);

@@ -34,6 +34,10 @@ constexpr std::array kFaults{
     FaultName{"html-520", Fault::Kind::status, 520, "an HTML page from the network's edge"},
 };
 
+constexpr std::string_view kClockOffset = "clock-offset";
+constexpr std::string_view kNonUtcZone = "non-utc-zone";
+constexpr std::string_view kOldErrors = "old-errors";
+
 std::string_view takeNumber(std::string_view text, long long& number) {
   const auto end = std::from_chars(text.data(), text.data() + text.size(), number).ptr;
   return text.substr(static_cast<std::size_t>(end - text.data()));
@@ -90,9 +94,37 @@ std::expected<Fault, std::string> Fault::parse(std::string_view text) {
   return fault;
 }
 
+std::expected<void, std::string> orderFault(std::string_view text, Settings& settings, std::vector<Fault>& faults) {
+  const auto equals = std::min(text.find('='), text.size());
+  const auto name = trimmed(text.substr(0, equals));
+  const auto value = trimmed(text.substr(std::min(equals + 1, text.size())));
+  if (name == kClockOffset) {
+    long long seconds = 0;
+    if (value.empty() || !takeNumber(value, seconds).empty()) {
+      return std::unexpected("clock-offset takes a number of seconds, as clock-offset=-300");
+    }
+    settings.clockOffset = std::chrono::seconds(seconds);
+  } else if (name == kNonUtcZone) {
+    settings.timeZone = value.empty() ? "Asia/Kolkata" : value;
+  } else if (name == kOldErrors) {
+    settings.olderErrors = true;
+  } else {
+    auto fault = Fault::parse(text);
+    if (!fault) return std::unexpected(std::move(fault.error()));
+    faults.push_back(std::move(*fault));
+  }
+  return {};
+}
+
 std::string describeFaults() {
   std::string out;
-  for (const auto& fault : kFaults) out += fmt::format("  {:<14}{}\n", fault.name, fault.effect);
+  const auto add = [&](std::string_view name, std::string_view effect) {
+    out += fmt::format("  {:<14}{}\n", name, effect);
+  };
+  for (const auto& fault : kFaults) add(fault.name, fault.effect);
+  add(kClockOffset, "this server's clock is VALUE seconds ahead: tokens, Date");
+  add(kNonUtcZone, "times of rows are written in the zone VALUE (Asia/Kolkata)");
+  add(kOldErrors, "error forms and codes of earlier versions of the services");
   return out;
 }
 
@@ -150,14 +182,9 @@ Response faultyReply(const Fault& fault, const Request& request) {
   }
 }
 
-void Faults::add(Fault fault) {
+void Faults::set(std::vector<Fault> faults) {
   const std::lock_guard lock(mutex_);
-  faults_.push_back(std::move(fault));
-}
-
-void Faults::clear() {
-  const std::lock_guard lock(mutex_);
-  faults_.clear();
+  faults_ = std::move(faults);
 }
 
 std::vector<std::string> Faults::names() const {

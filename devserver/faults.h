@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "devserver/message.h"
+#include "devserver/settings.h"
 
 namespace thalvorn::devserver {
 
@@ -25,6 +26,10 @@ struct Fault {
   static std::expected<Fault, std::string> parse(std::string_view text);
 };
 
+/// Adds a fault, or follows one of those that change a setting: "clock-offset=SECONDS", "non-utc-zone[=ZONE]",
+/// "old-errors". The error says what is wrong with the text.
+std::expected<void, std::string> orderFault(std::string_view text, Settings& settings, std::vector<Fault>& faults);
+
 /// The names of all faults with what each does, a line each.
 std::string describeFaults();
 
@@ -34,8 +39,7 @@ Response faultyReply(const Fault& fault, const Request& request);
 /// The faults in force. Safe to use from every thread.
 class Faults {
  public:
-  void add(Fault fault);
-  void clear();
+  void set(std::vector<Fault> faults);
   std::vector<std::string> names() const;
   /// The faults that strike this request; those of limited times count it.
   std::vector<Fault> strike(const Request& request);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <fstream>
 
 #include "devserver/rest_error.h"
@@ -143,31 +142,6 @@ Response Gateway::serve(Request request) {
   return jsonResponse(404, R"({"message":"no Route matched with those values"})");
 }
 
-std::expected<void, std::string> Gateway::addFault(std::string_view text) {
-  const auto equals = std::min(text.find('='), text.size());
-  const auto name = trimmed(text.substr(0, equals));
-  const auto value = trimmed(text.substr(std::min(equals + 1, text.size())));
-  auto settings = site_.settings.get();
-  if (name == "clock-offset") {
-    long long seconds = 0;
-    const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), seconds);
-    if (error != std::errc() || end != value.data() + value.size()) {
-      return std::unexpected("clock-offset takes a number of seconds, as clock-offset=-300");
-    }
-    settings.clockOffset = std::chrono::seconds(seconds);
-  } else if (name == "non-utc-zone") {
-    settings.timeZone = value.empty() ? "Asia/Kolkata" : value;
-  } else if (name == "old-errors") {
-    settings.olderErrors = true;
-  } else {
-    auto fault = Fault::parse(text);
-    if (!fault) return std::unexpected(std::move(fault.error()));
-    faults_.add(std::move(*fault));
-  }
-  site_.settings.set(std::move(settings));
-  return {};
-}
-
 Response Gateway::changeSettings(const json::object& changes) {
   auto settings = site_.settings.get();
   const auto number = [&](std::string_view name, auto assign) {
@@ -184,15 +158,15 @@ Response Gateway::changeSettings(const json::object& changes) {
   flag("confirmEmail", settings.confirmEmail);
   flag("olderErrors", settings.olderErrors);
   if (const auto zone = textMember(changes, "timeZone"); !zone.empty()) settings.timeZone = zone;
-  site_.settings.set(std::move(settings));
-  if (const auto* faults = changes.if_contains("faults"); faults && faults->is_array()) {
-    faults_.clear();
-    for (const auto& fault : faults->get_array()) {
-      const auto added = fault.is_string() ? addFault(std::string_view(fault.get_string()))
-                                           : std::unexpected(std::string("a fault is a text"));
-      if (!added) return jsonResponse(400, json::serialize(json::object{{"message", added.error()}}));
+  if (const auto* list = changes.if_contains("faults"); list && list->is_array()) {
+    std::vector<Fault> faults;
+    for (const auto& text : list->get_array()) {
+      const auto ordered = orderFault(text.is_string() ? std::string_view(text.get_string()) : "", settings, faults);
+      if (!ordered) return jsonResponse(400, json::serialize(json::object{{"message", ordered.error()}}));
     }
+    faults_.set(std::move(faults));
   }
+  site_.settings.set(std::move(settings));
   return jsonResponse(200, settingsText(site_.settings.get(), faults_, site_));
 }
 

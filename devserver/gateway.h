@@ -31,9 +31,8 @@ class Gateway {
 
   Response handle(Request request);
 
-  /// Adds a fault (`Fault::parse`), or one of those that change a setting: "clock-offset=SECONDS",
-  /// "non-utc-zone[=ZONE]", "old-errors". The error says what is wrong with the text.
-  std::expected<void, std::string> addFault(std::string_view text);
+  /// Replaces the faults in force.
+  void setFaults(std::vector<Fault> faults) { faults_.set(std::move(faults)); }
 
  private:
   Response serve(Request request);
