@@ -84,7 +84,7 @@ FocusScope {
             AppText {
                 text: root.title
                 variant: "title"
-                Layout.maximumWidth: Math.max(120, head.width - search.width - actionRow.width - 120)
+                Layout.maximumWidth: Math.max(120, head.width - (search.visible ? search.width : 0) - actionRow.width - 120)
                 Accessible.role: Accessible.Heading
             }
             AppText {

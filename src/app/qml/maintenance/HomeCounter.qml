@@ -39,6 +39,7 @@ T.AbstractButton {
         spacing: 2
         Row {
             spacing: Theme.space2
+            Layout.preferredHeight: 20
             Rectangle {
                 width: 9
                 height: 9
@@ -46,7 +47,7 @@ T.AbstractButton {
                 color: Theme.statusInk(root.counter.tone)
                 anchors.verticalCenter: parent.verticalCenter
             }
-            AppText { text: root.counter.title ?? ""; variant: "medium" }
+            AppText { text: root.counter.title ?? ""; variant: "medium"; height: 20; verticalAlignment: Text.AlignVCenter }
         }
         RowLayout {
             spacing: Theme.space3

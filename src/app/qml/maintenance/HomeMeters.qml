@@ -16,14 +16,14 @@ Card {
 
     GridLayout {
         columns: root.meters.length > 2 ? 2 : 1
-        columnSpacing: Theme.space3
+        columnSpacing: Theme.space2
         rowSpacing: 2
         Layout.fillWidth: true
         Repeater {
             model: root.meters
             delegate: RowLayout {
                 required property var modelData
-                spacing: 6
+                spacing: Theme.space1
                 Layout.fillWidth: true
                 Layout.preferredWidth: 10
                 Accessible.role: Accessible.StaticText

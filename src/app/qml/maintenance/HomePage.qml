@@ -84,7 +84,7 @@ Page {
             spacing: Theme.space4
 
             GridLayout {
-                columns: root.width >= 760 ? 4 : 2
+                columns: root.width >= 1000 ? 4 : 2
                 columnSpacing: Theme.space4
                 rowSpacing: Theme.space4
                 Layout.fillWidth: true
@@ -104,7 +104,7 @@ Page {
                     updated: root.home.metersUpdated
                     Layout.fillWidth: true
                     Layout.fillHeight: true
-                    Layout.preferredWidth: 100
+                    Layout.preferredWidth: 112
                 }
             }
 
@@ -137,7 +137,7 @@ Page {
                 BarChart {
                     bars: root.home.workDone
                     Layout.fillWidth: true
-                    Layout.preferredHeight: 88
+                    Layout.preferredHeight: 82
                 }
             }
         }

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Dialogs
 import QtQuick.Templates as T
 import Thalvorn
 
@@ -89,11 +88,11 @@ Flow {
         }
     }
 
-    FileDialog {
+    FileChooser {
         id: dialog
         title: "Add photos"
-        fileMode: FileDialog.OpenFiles
+        multiple: true
         nameFilters: ["Pictures (*.jpg *.jpeg *.png *.webp *.gif *.bmp)", "All files (*)"]
-        onAccepted: root.added(selectedFiles)
+        onChosenMany: (files) => root.added(files)
     }
 }
