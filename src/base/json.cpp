@@ -134,4 +134,36 @@ std::expected<std::vector<RawElement>, JsonError> splitJsonList(std::string_view
   return elements;
 }
 
+std::expected<std::vector<RawMember>, JsonError> splitJsonObject(std::string_view json) {
+  namespace ondemand = simdjson::ondemand;
+  json_detail::Scratch& scratch = json_detail::scratch();
+  const auto padded = scratch.pad(json);
+  ondemand::document document;
+  ondemand::object object;
+  if (scratch.parser.iterate(padded).get(document)) return std::unexpected(JsonError{"", "is not JSON"});
+  if (document.get_object().get(object)) return std::unexpected(JsonError{"", "is not an object"});
+  std::vector<RawMember> members;
+  for (auto member : object) {
+    std::string_view name;
+    ondemand::value value;
+    if (member.unescaped_key().get(name) || member.value().get(value))
+      return std::unexpected(JsonError{"", "is not well-formed"});
+    RawMember& raw = members.emplace_back(std::string(name));
+    std::string_view bytes;
+    ondemand::object nested;
+    ondemand::array list;
+    if (!value.get_array().get(list)) {
+      if (list.raw_json().get(bytes)) return std::unexpected(JsonError{"", "is not well-formed"});
+    } else if (!value.get_object().get(nested)) {
+      if (nested.raw_json().get(bytes)) return std::unexpected(JsonError{"", "is not well-formed"});
+    } else {
+      bytes = value.raw_json_token();
+    }
+    bytes = bytes.substr(0, bytes.find_last_not_of(kBlanks) + 1);
+    raw.value = json.substr(static_cast<std::size_t>(bytes.data() - padded.data()), bytes.size());
+  }
+  if (!json_detail::atEnd(document)) return std::unexpected(JsonError{"", "has text after the object"});
+  return members;
+}
+
 }  // namespace thalvorn

@@ -14,6 +14,7 @@ enum class JsonFields { own, extra, full };
 /// How the JSON form of a record differs from "keys are the field names, all of them". Specialise beside the record:
 ///   static constexpr std::array<std::string_view, N> extra{…};   fields that the own form leaves out
 ///   static constexpr bool snakeCase = true;                       keys in snake case
+///   static constexpr bool nulls = true;                           absent optional values are null, not left out
 template <class T>
 struct JsonForm {};
 
@@ -79,6 +80,15 @@ struct RawElement {
 
 /// Splits a JSON list into its elements without decoding them; the views are into `json`.
 std::expected<std::vector<RawElement>, JsonError> splitJsonList(std::string_view json);
+
+/// One member of a JSON object: its name and its value as it stands.
+struct RawMember {
+  std::string name;
+  std::string_view value;
+};
+
+/// Splits a JSON object into its members without decoding their values; the views are into `json`.
+std::expected<std::vector<RawMember>, JsonError> splitJsonObject(std::string_view json);
 
 /// The codec of a record type lives in the one source file that instantiates it, so that its templates are compiled
 /// once.

@@ -55,6 +55,8 @@ template <class T>
 concept HasSnakeCase = requires { JsonForm<T>::snakeCase; };
 template <class T>
 concept HasExtra = requires { JsonForm<T>::extra; };
+template <class T>
+concept WritesNulls = requires { JsonForm<T>::nulls; };
 
 template <class T>
 inline constexpr auto keys = [] {
@@ -170,7 +172,12 @@ bool decode(ondemand::value value, T& out, JsonError& error) {
     return true;
   } else if constexpr (std::floating_point<T>) {
     double number = 0;
-    if (value.get_double().get(number)) return fail(error, "is not a number");
+    std::string_view text;
+    // JSON has no number for these; databases write them as texts.
+    if (!value.get_string().get(text) && (text == "NaN" || text == "Infinity" || text == "-Infinity"))
+      number = std::numeric_limits<double>::quiet_NaN();
+    else if (value.get_double().get(number))
+      return fail(error, "is not a number");
     out = number;
     return true;
   } else if constexpr (std::integral<T>) {
@@ -405,7 +412,13 @@ void encodeRecord(std::string& out, const T& record, FieldSet fields) {
       first = false;
     };
     if constexpr (isOptional<std::remove_cvref_t<decltype(value)>>) {
-      if (!value) return;
+      if (!value) {
+        if constexpr (WritesNulls<T>) {
+          key();
+          out += "null";
+        }
+        return;
+      }
       key();
       encode(out, *value);
     } else {

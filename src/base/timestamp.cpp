@@ -59,8 +59,11 @@ bool readOffset(Reader& reader, seconds& offset) {
   if (!reader.digits(2, offsetHours)) return false;
   const bool colon = reader.take(':');
   if ((colon || !reader.atEnd()) && !reader.digits(2, offsetMinutes)) return false;
-  if (offsetHours > 23 || offsetMinutes > 59) return false;
-  offset = hours{offsetHours} + minutes{offsetMinutes};
+  // Local mean times of long ago have seconds.
+  int offsetSeconds = 0;
+  if (colon && reader.take(':') && !reader.digits(2, offsetSeconds)) return false;
+  if (offsetHours > 23 || offsetMinutes > 59 || offsetSeconds > 59) return false;
+  offset = hours{offsetHours} + minutes{offsetMinutes} + seconds{offsetSeconds};
   if (negative) offset = -offset;
   return true;
 }

@@ -10,7 +10,7 @@ namespace thalvorn {
 /// A point in time in whole seconds, UTC.
 using Timestamp = std::chrono::sys_seconds;
 
-/// Reads an ISO 8601 date-time: "2026-01-31T08:00:00Z", with an offset (+02:00, +0200, +02), with a fraction of a
+/// Reads an ISO 8601 date-time: "2026-01-31T08:00:00Z", with an offset (+02:00, +0200, +02, +00:19:32), with a fraction of a
 /// second (cut off), with a space for the "T", without seconds, or a date alone (midnight UTC). Empty for anything
 /// else.
 std::optional<Timestamp> parseTimestamp(std::string_view text);
