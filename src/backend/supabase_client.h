@@ -104,7 +104,7 @@ class SupabaseClient : public QObject {
   /// The same with a table whose key is not `id`, e.g. "user_profiles" by "user_id".
   SBTask<void> upsertOne(TableQuery target, QByteArray row, int attempts = 3);
   /// Inserts and gives the rows as stored.
-  SBTask<QByteArray> insert(TableQuery target, QByteArray rows, int attempts = 3);
+  SBTask<TableReply> insert(TableQuery target, QByteArray rows, int attempts = 3);
   /// Changes the columns of `changes` in the rows that match; gives how many they were. Refuses without a filter.
   SBTask<std::int64_t> update(TableQuery target, QByteArray changes, int attempts = 3);
   /// Deletes the rows that match; none is no failure. Refuses without a filter.

@@ -70,10 +70,10 @@ SBTask<void> SupabaseClient::upsertOne(TableQuery target, QByteArray row, int at
   co_return std::expected<void, SBError>{};
 }
 
-SBTask<QByteArray> SupabaseClient::insert(TableQuery target, QByteArray rows, int attempts) {
+SBTask<TableReply> SupabaseClient::insert(TableQuery target, QByteArray rows, int attempts) {
   auto reply = co_await write("POST", target, rows, "return=representation", QStringLiteral("insert"), attempts);
   if (!reply) co_return std::unexpected(std::move(reply.error()));
-  co_return std::move(reply->body);
+  co_return TableReply{reply->body, totalOf(*reply), httpDate(reply->header("date"))};
 }
 
 SBTask<std::int64_t> SupabaseClient::update(TableQuery target, QByteArray changes, int attempts) {

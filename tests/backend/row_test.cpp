@@ -129,8 +129,7 @@ TYPED_TEST(RowTest, EmptyRecordsAndRowsAgreeAndNullsAreSent) {
   const auto keys = [](const std::string& json) {
     std::vector<std::string> names;
     const auto members = splitJsonObject(std::string_view(json).substr(1, json.size() - 2));
-    for (const RawMember& member : members.value())
-      names.push_back(member.name);
+    for (const RawMember& member : members.value()) names.push_back(member.name);
     return names;
   };
   for (const auto columns : {RowColumns::standard, RowColumns::all})

@@ -1,0 +1,213 @@
+#include "backend/file_transfer_queue.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QSaveFile>
+#include <algorithm>
+#include <array>
+
+#include "backend/logging.h"
+#include "base/json_codec.h"
+
+namespace thalvorn {
+
+THALVORN_JSON_INSTANTIATE(FileTransfer);
+
+namespace {
+
+using namespace std::chrono_literals;
+
+struct BucketWords {
+  std::string_view bucket;
+  const char* done;
+  const char* failed;
+};
+
+constexpr std::array kBucketWords{
+    BucketWords{"vessel_photos", "✅ vessel photo uploaded: ", "⚠️ vessel photo upload failed: "},
+    BucketWords{"cert_attachments", "📎 uploaded cert attachment: ", "⚠️ cert upload failed: "},
+    BucketWords{"task_photos", "📤 uploaded task photo: ", "⚠️ task photo upload failed: "},
+};
+constexpr BucketWords kOtherWords{"", "📤 uploaded: ", "⚠️ upload failed: "};
+
+const BucketWords& wordsFor(std::string_view bucket) {
+  const auto* found = std::ranges::find(kBucketWords, bucket, &BucketWords::bucket);
+  return found == kBucketWords.end() ? kOtherWords : *found;
+}
+
+void logOutcome(const FileTransfer& transfer, const StorageError* error) {
+  const QString place = QString::fromStdString(transfer.bucket + "/" + transfer.path);
+  if (!error) {
+    qCInfo(backendLog).noquote() << (transfer.isDeletion() ? QStringLiteral("🗑 deleted file ")
+                                                           : QString::fromUtf8(wordsFor(transfer.bucket).done)) +
+                                        place;
+    return;
+  }
+  qCWarning(backendLog).noquote() << (transfer.isDeletion() ? QStringLiteral("⚠️ file deletion failed: ")
+                                                            : QString::fromUtf8(wordsFor(transfer.bucket).failed)) +
+                                         place + QStringLiteral(" — ") + error->cause.logLine();
+}
+
+/// Whether an attempt may succeed later without anybody doing anything.
+bool passes(const StorageError& error) {
+  return error.kind != StorageError::Case::badURL &&
+         (error.cause.remedy == SBError::Remedy::retryLater || error.cause.remedy == SBError::Remedy::refreshToken ||
+          error.cause.remedy == SBError::Remedy::waitForClock);
+}
+
+std::chrono::milliseconds pauseAfter(std::int64_t attempts, const StorageError& error) {
+  const std::chrono::seconds own =
+      std::min<std::chrono::seconds>(5s * (1LL << std::min<std::int64_t>(attempts, 8)), 300s);
+  return error.cause.retryAfter.value_or(own);
+}
+
+}  // namespace
+
+FileTransferQueue::FileTransferQueue(SupabaseStorage& storage, SupabaseClient& client, const Clock& clock,
+                                     Timing& timing, const QString& file, QObject* parent)
+    : QObject(parent), storage_(storage), client_(client), clock_(clock), timing_(timing), file_(file) {
+  load();
+  connect(&client_, &SupabaseClient::sessionChanged, this, &FileTransferQueue::process);
+}
+
+FileTransferQueue::~FileTransferQueue() { *alive_ = false; }
+
+void FileTransferQueue::load() {
+  QFile file(file_);
+  if (!file.exists()) return;
+  if (file.open(QIODevice::ReadOnly)) {
+    auto list = listFromJson<FileTransfer>(file.readAll().toStdString(), JsonFields::full);
+    if (list) transfers_ = std::move(list->records);
+    if (list && list->setAside.empty()) return;
+  }
+  const QString aside =
+      file_ + QStringLiteral(".unreadable-") + QString::number(clock_.now().time_since_epoch().count());
+  QFile::copy(file_, aside);
+  qCWarning(backendLog).noquote() << QStringLiteral(
+                                         "⚠️ The list of waiting files could not be read whole; a copy is in ") +
+                                         aside;
+}
+
+bool FileTransferQueue::save() const {
+  QSaveFile file(file_);
+  if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+    return false;
+  file.write(QByteArray::fromStdString(listToJson(transfers_, JsonFields::full)));
+  return file.commit();
+}
+
+bool FileTransferQueue::add(FileTransfer transfer) {
+  transfer.id = Uuid::random();
+  transfer.userID = client_.userID().toStdString();
+  transfer.addedAt = clock_.now();
+  auto before = transfers_;
+  std::erase_if(transfers_, [&](const FileTransfer& other) {
+    return other.userID == transfer.userID && other.bucket == transfer.bucket && other.path == transfer.path;
+  });
+  transfers_.push_back(std::move(transfer));
+  if (!save()) {
+    transfers_ = std::move(before);
+    return false;
+  }
+  Q_EMIT changed();
+  process();
+  return true;
+}
+
+bool FileTransferQueue::upload(const QString& account, const QString& bucket, const QString& path,
+                               const QString& local_file) {
+  FileTransfer transfer;
+  transfer.accountID = account.toStdString();
+  transfer.bucket = bucket.toStdString();
+  transfer.path = path.toStdString();
+  transfer.localFile = local_file.toStdString();
+  return !transfer.localFile.empty() && add(std::move(transfer));
+}
+
+bool FileTransferQueue::remove(const QString& account, const QString& bucket, const QString& path) {
+  FileTransfer transfer;
+  transfer.accountID = account.toStdString();
+  transfer.bucket = bucket.toStdString();
+  transfer.path = path.toStdString();
+  return add(std::move(transfer));
+}
+
+void FileTransferQueue::retryParked() {
+  for (FileTransfer& transfer : transfers_) transfer.isParked = false;
+  save();
+  Q_EMIT changed();
+  process();
+}
+
+bool FileTransferQueue::discard(const Uuid& id) {
+  const auto found = find(id);
+  if (found == transfers_.end()) return false;
+  transfers_.erase(found);
+  save();
+  Q_EMIT changed();
+  return true;
+}
+
+void FileTransferQueue::process() {
+  if (!running_) run();
+}
+
+std::vector<FileTransfer>::iterator FileTransferQueue::next() {
+  const std::string user = client_.userID().toStdString();
+  return std::ranges::find_if(
+      transfers_, [&](const FileTransfer& transfer) { return !transfer.isParked && transfer.userID == user; });
+}
+
+std::vector<FileTransfer>::iterator FileTransferQueue::find(const Uuid& id) {
+  return std::ranges::find(transfers_, id, &FileTransfer::id);
+}
+
+QCoro::Task<void> FileTransferQueue::run() {
+  const auto alive = alive_;
+  running_ = true;
+  while (client_.isAuthenticated()) {
+    const auto waiting = next();
+    if (waiting == transfers_.end()) break;
+    const FileTransfer transfer = *waiting;
+    const QString bucket = QString::fromStdString(transfer.bucket);
+    const QString path = QString::fromStdString(transfer.path);
+    std::optional<StorageError> failure;
+    if (transfer.isDeletion()) {
+      const auto result = co_await storage_.remove(bucket, path);
+      if (!result) failure = result.error();
+    } else {
+      const auto result = co_await storage_.uploadFile(bucket, path, QString::fromStdString(transfer.localFile),
+                                                       SupabaseStorage::contentType(path));
+      if (!result) failure = result.error();
+    }
+    if (!*alive) co_return;
+    logOutcome(transfer, failure ? &*failure : nullptr);
+    // The list may have changed meanwhile: a transfer that was replaced or discarded is no longer there.
+    const auto now = find(transfer.id);
+    if (!failure) {
+      if (now != transfers_.end()) transfers_.erase(now);
+      save();
+      if (!transfer.isDeletion()) Q_EMIT uploaded(bucket, path);
+      if (!*alive) co_return;
+      Q_EMIT changed();
+      if (!*alive) co_return;
+      continue;
+    }
+    if (failure->kind == StorageError::Case::notAuthenticated || failure->cause.remedy == SBError::Remedy::signIn)
+      break;
+    if (now != transfers_.end()) {
+      now->attempts += 1;
+      now->problem = failure->cause.text.toStdString();
+      now->isParked = !passes(*failure);
+      save();
+      Q_EMIT changed();
+      if (!*alive) co_return;
+    }
+    if (!passes(*failure)) continue;
+    co_await timing_.wait(pauseAfter(transfer.attempts, *failure));
+    if (!*alive) co_return;
+  }
+  running_ = false;
+}
+
+}  // namespace thalvorn
