@@ -63,6 +63,8 @@ QString AuthResponse::anyRefreshToken() const {
 
 std::optional<SBUser> AuthResponse::anyUser() const { return user || !session ? user : session->user; }
 
+QString AuthLink::expiredText() { return QStringLiteral("This link is no longer valid. Ask for a new one."); }
+
 std::expected<AuthLink, SBError> AuthLink::parse(const QString& link) {
   const QUrl url(link);
   const QUrlQuery values(url.hasFragment() ? url.fragment(QUrl::FullyEncoded) : url.query(QUrl::FullyEncoded));
@@ -73,7 +75,7 @@ std::expected<AuthLink, SBError> AuthLink::parse(const QString& link) {
     SBError failure = SBError::server(403, value("error_description"));
     failure.code = value("error_code");
     failure.remedy = SBError::Remedy::mendRecord;
-    failure.text = QStringLiteral("This link is no longer valid. Ask for a new one.");
+    failure.text = expiredText();
     return std::unexpected(std::move(failure));
   }
   AuthLink parsed{value("access_token"), value("refresh_token"), value("expires_in").toLongLong(),

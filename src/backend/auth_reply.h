@@ -55,6 +55,8 @@ struct AuthLink {
 
   /// Reads the fragment (or query); the error carries the service's own words, e.g. of an expired link.
   static std::expected<AuthLink, SBError> parse(const QString& link);
+  /// For the user, of a link that the service does not take any more.
+  static QString expiredText();
 };
 
 }  // namespace thalvorn

@@ -9,7 +9,7 @@ namespace thalvorn {
 
 /// Files that were downloaded before, by bucket and path, in a folder of their own (files 0600). A file appears whole
 /// or not at all; when all of them are larger than the limit, those not used for longest go. Losing the folder loses
-/// nothing.
+/// nothing. Each user of the program needs a folder of his own.
 class DownloadCache {
  public:
   struct Entry {

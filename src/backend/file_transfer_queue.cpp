@@ -68,6 +68,7 @@ FileTransferQueue::FileTransferQueue(SupabaseStorage& storage, SupabaseClient& c
     : QObject(parent), storage_(storage), client_(client), clock_(clock), timing_(timing), file_(file) {
   load();
   connect(&client_, &SupabaseClient::sessionChanged, this, &FileTransferQueue::process);
+  QMetaObject::invokeMethod(this, &FileTransferQueue::process, Qt::QueuedConnection);
 }
 
 FileTransferQueue::~FileTransferQueue() { *alive_ = false; }
@@ -149,7 +150,7 @@ bool FileTransferQueue::discard(const Uuid& id) {
 }
 
 void FileTransferQueue::process() {
-  if (!running_) run();
+  if (!running_ || pausing_) run();
 }
 
 std::vector<FileTransfer>::iterator FileTransferQueue::next() {
@@ -164,7 +165,9 @@ std::vector<FileTransfer>::iterator FileTransferQueue::find(const Uuid& id) {
 
 QCoro::Task<void> FileTransferQueue::run() {
   const auto alive = alive_;
+  const int turn = ++turn_;
   running_ = true;
+  pausing_ = false;
   while (client_.isAuthenticated()) {
     const auto waiting = next();
     if (waiting == transfers_.end()) break;
@@ -204,8 +207,10 @@ QCoro::Task<void> FileTransferQueue::run() {
       if (!*alive) co_return;
     }
     if (!passes(*failure)) continue;
+    pausing_ = true;
     co_await timing_.wait(pauseAfter(transfer.attempts, *failure));
-    if (!*alive) co_return;
+    if (!*alive || turn != turn_) co_return;
+    pausing_ = false;
   }
   running_ = false;
 }

@@ -84,6 +84,8 @@ class FileTransferQueue : public QObject {
   QString file_;
   std::vector<FileTransfer> transfers_;
   bool running_ = false;
+  bool pausing_ = false;
+  int turn_ = 0;  ///< of `run`; one that wakes from its pause to find a later one does nothing more
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 

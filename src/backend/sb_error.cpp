@@ -91,12 +91,12 @@ constexpr auto kKnownCodes = std::to_array<KnownCode>({
 QString textOf(Remedy remedy) {
   switch (remedy) {
     case Remedy::retryLater:
-      return QStringLiteral("The server cannot be reached at the moment. Nothing is lost; it will be tried again.");
+      return QStringLiteral("The server cannot be reached at the moment. Nothing is lost.");
     case Remedy::refreshToken:
     case Remedy::signIn:
       return QString::fromUtf8(kSignInAgain.data(), static_cast<qsizetype>(kSignInAgain.size()));
     case Remedy::waitForClock:
-      return QStringLiteral("The server's clocks disagree. It will be tried again in a moment.");
+      return QStringLiteral("The server's clocks disagree. Try again in a moment.");
     case Remedy::smallerBatch:
       return QStringLiteral("The server could not take this much at once. It will be sent in smaller parts.");
     case Remedy::updateSchema:
@@ -179,7 +179,7 @@ QString userText(const SBError& error) {
     case 402:
       return QStringLiteral("The server's plan does not allow this at the moment. Ask whoever runs the server.");
     case 429:
-      return QStringLiteral("The server is busy. It will be tried again in a while.");
+      return QStringLiteral("The server is busy. Try again in a while; nothing is lost.");
     case 540:
       return QStringLiteral("The server is paused. Ask whoever runs it to start it again.");
     default:

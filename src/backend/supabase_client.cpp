@@ -228,7 +228,11 @@ SBTask<SignedIn> SupabaseClient::openLink(QString link) {
   HttpRequest request = authRequest("GET", "/user", {});
   request.body = QByteArray();
   auto reply = co_await auth(std::move(request), parsed->accessToken.toStdString());
-  if (!reply) co_return std::unexpected(std::move(reply.error()));
+  if (!reply) {
+    SBError error = std::move(reply.error());
+    if (error.remedy != SBError::Remedy::retryLater) error.text = AuthLink::expiredText();
+    co_return std::unexpected(std::move(error));
+  }
   auto user = AuthResponse::parse(reply->body);
   if (!user || !user->user || !user->user->id) co_return std::unexpected(invalidReply(*reply));
   if (generation != generation_) co_return std::unexpected(givenUp());
@@ -373,7 +377,9 @@ SBTask<void> SupabaseClient::refreshUnderLock(std::string rejected) {
 
   SBError error = reply ? invalidReply(*reply) : std::move(reply.error());
   qCWarning(backendLog).noquote() << QStringLiteral("⚠️ Token refresh failed: ") + error.logLine();
-  refreshNotBefore_ = timing_.elapsed() + error.retryAfter.value_or(kCheckEvery);
+  const std::chrono::seconds pause =
+      std::min<std::chrono::seconds>(kCheckEvery * (1 << std::min(refreshFailures_++, 5)), 15min);
+  refreshNotBefore_ = timing_.elapsed() + error.retryAfter.value_or(pause);
   if (!isRefusal(error)) co_return std::unexpected(std::move(error));
   if (const StoredSession now = tokens_.session(); now.refreshToken != before.refreshToken) {
     noteExpiry(now);
@@ -409,6 +415,11 @@ void SupabaseClient::refreshIfDue() {
     refreshTimer_->setInterval(std::clamp<std::chrono::milliseconds>(left.value_or(kCheckEvery), 1s, kCheckEvery));
 }
 
+void SupabaseClient::networkReturned() {
+  refreshNotBefore_ = 0ms;
+  refreshIfDue();
+}
+
 std::optional<std::chrono::milliseconds> SupabaseClient::untilRefresh() const {
   if (!expiry_) return std::nullopt;
   return *expiry_ - lead_ - timing_.elapsed();
@@ -421,6 +432,7 @@ void SupabaseClient::noteExpiry(const StoredSession& session, std::optional<std:
   expiry_ = lifetime ? std::optional(timing_.elapsed() + *lifetime) : std::nullopt;
   lead_ = lifetime ? std::clamp<std::chrono::milliseconds>(*lifetime / 4, 1s, 90s) : 90s;
   refreshNotBefore_ = 0ms;
+  refreshFailures_ = 0;
 }
 
 void SupabaseClient::startRefreshTimer() {

@@ -88,9 +88,10 @@ class SupabaseClient : public QObject {
   /// Gets a new access token. When the stored token is no longer `rejected` (another process or request has refreshed
   /// meanwhile), it is taken as it stands.
   SBTask<void> refreshToken(std::string rejected = {});
-  /// Refreshes when the token expires within 90 s. Called by the timer; call it also on wake-up and when the network
-  /// returns.
+  /// Refreshes when the token expires within 90 s, with growing pauses after failures. Called by the timer.
   void refreshIfDue();
+  /// The same at once, whatever failed before: call it on wake-up and when the network returns.
+  void networkReturned();
   bool isRefreshing() const { return refreshing_.has_value(); }
   bool isRefreshTimerRunning() const { return refreshTimer_ != nullptr; }
 
@@ -159,6 +160,7 @@ class SupabaseClient : public QObject {
   std::unique_ptr<QTimer> refreshTimer_;  ///< while signed in
   std::optional<QFuture<RefreshResult>> refreshing_;
   std::optional<std::chrono::milliseconds> expiry_;  ///< of the access token, in `Timing` time
+  int refreshFailures_ = 0;                          ///< in a row
   std::chrono::milliseconds refreshNotBefore_{0};    ///< after a failure
   std::chrono::milliseconds lead_{90'000};           ///< ahead of expiry; less for a short-lived token
   std::optional<std::chrono::seconds> clockOffset_;

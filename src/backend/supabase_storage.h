@@ -33,6 +33,9 @@ class SupabaseStorage {
   static constexpr qint64 kMaxBytes = 50LL * 1024 * 1024;
 
   SupabaseStorage(SupabaseClient& client, DownloadCache& cache) : client_(client), cache_(cache) {}
+  ~SupabaseStorage() { *alive_ = false; }
+  SupabaseStorage(const SupabaseStorage&) = delete;
+  SupabaseStorage& operator=(const SupabaseStorage&) = delete;
 
   /// Gives the stored path. One upload to a path goes at a time; the others wait.
   StorageTask<QString> upload(QString bucket, QString path, QByteArray content, QString content_type);
@@ -56,11 +59,6 @@ class SupabaseStorage {
   DownloadCache& cache_;
   QHash<QString, QFuture<void>> uploading_;  ///< by bucket and path
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
-
- public:
-  ~SupabaseStorage() { *alive_ = false; }
-  SupabaseStorage(const SupabaseStorage&) = delete;
-  SupabaseStorage& operator=(const SupabaseStorage&) = delete;
 };
 
 }  // namespace thalvorn

@@ -343,6 +343,14 @@ TEST(TokenRefreshTest, RefreshesAheadOfExpiryWhateverTheWallClockSays) {
   EXPECT_EQ(requestsAfter(3500s), 1u);
   EXPECT_EQ(requestsAfter(20s), 2u);
   EXPECT_EQ(requestsAfter(30s), 2u) << "the new token is good for an hour";
+
+  backend.server.otherwise = [](const FakeRequest&) { return FakeReply{503, "", {}}; };
+  EXPECT_EQ(requestsAfter(1h), 3u);
+  EXPECT_EQ(requestsAfter(31s), 4u);
+  EXPECT_EQ(requestsAfter(31s), 4u) << "the pauses grow";
+  backend.client->networkReturned();
+  EXPECT_FALSE(QCoro::waitFor(backend.client->refreshToken()));
+  EXPECT_EQ(backend.server.requests().size(), 5u);
 }
 
 TEST(TokenRefreshTest, GivesUpOnASecondRefusalAndWaitsOutAnEarlyClock) {

@@ -248,6 +248,15 @@ TEST(FileTransferQueueTest, ParksWhatCannotGoAndGoesOn) {
     EXPECT_FALSE(transfer.problem.empty());
   }
   EXPECT_TRUE(on.backend.server.isScriptDone());
+  on.backend.timing.onWait = [&] {
+    on.backend.timing.onWait = {};
+    queue->process();  // cuts the pause short
+  };
+  on.backend.server.script({{503, "", {}}, {200, "{}", {}}});
+  EXPECT_TRUE(queue->upload(kAccount, kBucket, QStringLiteral("a/again.jpg"), photo));
+  Queue::settle(*queue);
+  EXPECT_EQ(queue->transfers().size(), 2u);
+  EXPECT_TRUE(on.backend.server.isScriptDone());
   EXPECT_TRUE(queue->discard(queue->transfers().front().id));
   EXPECT_EQ(on.open()->transfers().size(), 1u);
 }
