@@ -42,8 +42,10 @@ Page {
             if (Fleet.selectedVesselId === last)
                 return;
             last = Fleet.selectedVesselId;
-            if (split.beside && last)
-                root.chosenId = last;
+            if (!split.beside || !last)
+                return;
+            root.chosenId = last;
+            list.currentIndex = VesselList.rowOf(last);
         }
     }
     function edit(id) {

@@ -14,6 +14,8 @@ ModalBase {
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
     onAboutToShow: {
         field.clear();
+        field.asked = "";
+        Search.words = "";
         list.currentIndex = 0;
     }
     onOpened: field.forceFocus()
@@ -25,6 +27,7 @@ ModalBase {
 
         SearchField {
             id: field
+            property string asked
             x: Theme.space3
             y: Theme.space3
             width: parent.width - Theme.space3 * 2
@@ -35,8 +38,9 @@ ModalBase {
             placeholder: "Search tasks, history, vessels and commands"
             keyHint: "Esc"
             onEdited: (text) => {
-                if (text === Search.words)
-                    return;
+                if (text === asked)
+                    return;  // Enter after the arrows: nothing new was typed
+                asked = text;
                 Search.words = text;
                 list.currentIndex = 0;
             }
