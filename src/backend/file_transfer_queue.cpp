@@ -153,10 +153,11 @@ void FileTransferQueue::process() {
   if (!running_ || pausing_) run();
 }
 
-std::vector<FileTransfer>::iterator FileTransferQueue::next() {
+std::optional<FileTransfer> FileTransferQueue::next() const {
   const std::string user = client_.userID().toStdString();
-  return std::ranges::find_if(
-      transfers_, [&](const FileTransfer& transfer) { return !transfer.isParked && transfer.userID == user; });
+  for (const FileTransfer& transfer : transfers_)
+    if (!transfer.isParked && transfer.userID == user) return transfer;
+  return std::nullopt;
 }
 
 std::vector<FileTransfer>::iterator FileTransferQueue::find(const Uuid& id) {
@@ -170,8 +171,8 @@ QCoro::Task<void> FileTransferQueue::run() {
   pausing_ = false;
   while (client_.isAuthenticated()) {
     const auto waiting = next();
-    if (waiting == transfers_.end()) break;
-    const FileTransfer transfer = *waiting;
+    if (!waiting) break;
+    const FileTransfer& transfer = *waiting;
     const QString bucket = QString::fromStdString(transfer.bucket);
     const QString path = QString::fromStdString(transfer.path);
     std::optional<StorageError> failure;

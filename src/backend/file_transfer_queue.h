@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QString>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -74,7 +75,7 @@ class FileTransferQueue : public QObject {
   bool save() const;
   void load();
   QCoro::Task<void> run();
-  std::vector<FileTransfer>::iterator next();
+  std::optional<FileTransfer> next() const;
   std::vector<FileTransfer>::iterator find(const Uuid& id);
 
   SupabaseStorage& storage_;

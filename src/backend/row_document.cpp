@@ -14,7 +14,7 @@ std::size_t sequenceLength(std::string_view text) {
                              : lead < 0xF0 ? 3
                              : lead < 0xF5 ? 4
                                            : 0;
-  return length != 0 && length <= text.size() && simdjson::validate_utf8(text.data(), length) ? length : 0;
+  return length != 0 && length <= text.size() && simdjson::validate_utf8(text.substr(0, length)) ? length : 0;
 }
 
 }  // namespace
