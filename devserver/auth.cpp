@@ -54,6 +54,7 @@ std::string withTimes(std::string sql) {
 Rows Exchange::query(const std::string& sql, const Parameters& parameters) {
   auto rows = session_.query(sql, parameters);
   if (!rows) {
+    if (rows.error().sqlstate == "23505") refuse(422, "user_already_exists", "User already registered");
     if (rows.error().sqlstate == "40001" || rows.error().sqlstate == "40P01") {
       refuse(409, "conflict", "Too many concurrent token refresh requests on the same session or refresh token");
     }
@@ -287,7 +288,8 @@ Exchange::Grant Exchange::exchange(const std::string& refreshToken) {
     if (spent.text(0, 1) == "t") {
       query("update auth.refresh_tokens set revoked = true, updated_at = clock_timestamp() where session_id = $1",
             {sessionId});
-      (void)session_.commit();  // stays in force although the request is refused
+      // This stays in force although the request is refused.
+      if (!session_.commit()) refuse(500, "unexpected_failure", "Database error committing transaction");
       refuse(400, "refresh_token_already_used", "Invalid Refresh Token: Already Used");
     }
   }

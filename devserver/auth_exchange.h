@@ -70,7 +70,7 @@ class Exchange {
   std::string bodyText(std::string_view name) { return textMember(body(), name); }
   std::string bodyEmail();
   std::optional<User> findUser(std::string_view condition, const std::string& value);
-  User userById(const std::string& id) { return *findUser("u.id = $1", id); }
+  User userById(const std::string& id) { return findUser("u.id = $1", id).value(); }
   Bearer bearer();
   void checkPassword(const std::string& password) const;
 

@@ -110,10 +110,21 @@ void Pool::giveBack(std::unique_ptr<PGconn, decltype(&PQfinish)> connection) {
   returned_.notify_one();
 }
 
-std::string identifier(std::string_view name) {
-  std::string out = "\"";
-  for (const char c : name.substr(0, name.find('\0'))) out += c == '"' ? std::string("\"\"") : std::string(1, c);
-  return out + '"';
+namespace {
+
+std::string enclosed(std::string_view text, char mark) {
+  std::string out(1, mark);
+  for (const char c : text.substr(0, text.find('\0'))) {
+    if (c == mark) out += mark;
+    out += c;
+  }
+  return out + mark;
 }
+
+}  // namespace
+
+std::string identifier(std::string_view name) { return enclosed(name, '"'); }
+
+std::string textLiteral(std::string_view text) { return enclosed(text, '\''); }
 
 }  // namespace thalvorn::devserver

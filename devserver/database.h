@@ -93,4 +93,7 @@ class Pool {
 /// `name` as an SQL identifier.
 std::string identifier(std::string_view name);
 
+/// `text` as an SQL literal in a statement that takes parameters for everything else.
+std::string textLiteral(std::string_view text);
+
 }  // namespace thalvorn::devserver

@@ -89,6 +89,16 @@ Response answer(const Service& service, Request request) {
   }
 }
 
+/// What is said before hanging up on bytes that are no request; nothing when there is nobody to say it to.
+std::string_view refusalOf(const error_code& error) {
+  if (error == http::error::header_limit) {
+    return "HTTP/1.1 431 Request Header Fields Too Large\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
+  }
+  if (error.category() != make_error_code(http::error::bad_method).category()) return {};
+  if (error == http::error::end_of_stream || error == http::error::partial_message) return {};
+  return "HTTP/1.1 400 Bad Request\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
+}
+
 asio::awaitable<void> serveConnection(beast::tcp_stream stream, const Service* service) {
   beast::flat_buffer buffer;
   error_code error;
@@ -100,7 +110,12 @@ asio::awaitable<void> serveConnection(beast::tcp_stream stream, const Service* s
     parser.body_limit(service->options.largestBody);
     co_await http::async_read_header(stream, buffer, parser, token);
     bool bodyTooLarge = error == http::error::body_limit;
-    if (error && !bodyTooLarge) break;
+    if (error && !bodyTooLarge) {
+      if (const auto refusal = refusalOf(error); !refusal.empty()) {
+        co_await asio::async_write(stream, asio::buffer(refusal), token);
+      }
+      break;
+    }
     if (!bodyTooLarge && parser.get()[http::field::expect] == "100-continue") {
       static constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
       co_await asio::async_write(stream, asio::buffer(kContinue), token);

@@ -394,12 +394,6 @@ Statement& Statement::bind(std::string value) {
 
 namespace {
 
-std::string literal(std::string_view text) {
-  std::string out = "'";
-  for (const char c : text) out += c == '\'' ? std::string("''") : std::string(1, c);
-  return out + "'";
-}
-
 void appendField(Statement& sql, const std::string& relation, const FieldPath& field) {
   if (field.steps.empty()) {
     sql << relation << "." << identifier(field.column);
@@ -407,7 +401,7 @@ void appendField(Statement& sql, const std::string& relation, const FieldPath& f
   }
   sql << "to_jsonb(" << relation << "." << identifier(field.column) << ")";
   for (const auto& step : field.steps) {
-    sql << (step.asText ? "->>" : "->") << (wholeNumber(step.key) ? step.key : literal(step.key));
+    sql << (step.asText ? "->>" : "->") << (wholeNumber(step.key) ? step.key : textLiteral(step.key));
   }
 }
 

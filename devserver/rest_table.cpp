@@ -71,7 +71,7 @@ void appendBody(Statement& sql, const Work& work, const TableFacts& table, const
     std::vector<std::string> pairs;
     for (const auto& column : columns) {
       const auto& facts = table.columns.find(column)->second;
-      if (facts.defaultValue) pairs.push_back(fmt::format("'{}', {}", column, *facts.defaultValue));
+      if (facts.defaultValue) pairs.push_back(textLiteral(column) + ", " + *facts.defaultValue);
     }
     sql << "LATERAL (SELECT jsonb_agg(jsonb_build_object(" << joined(pairs, [](auto& pair) { return pair; })
         << ") || elem) AS val FROM jsonb_array_elements(" << source << ") elem) pgrst_defaults, ";

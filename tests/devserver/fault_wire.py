@@ -4,6 +4,7 @@ import email.utils
 import http.client
 import os
 import signal
+import socket
 import subprocess
 import sys
 import time
@@ -63,6 +64,15 @@ class Faults(unittest.TestCase):
             self.assertGreaterEqual(time.monotonic() - begun, 0.15)
         unknown = backend.bare("PATCH", "/dev/settings", '{"faults":["drop-everything"]}')
         self.assertEqual((unknown.status, unknown.json["message"]), (400, 'there is no fault "drop-everything"'))
+
+    def test_requests_that_are_none_or_too_long(self):
+        long = backend.bare("GET", "/rest/v1/marks", headers={"apikey": "x" * 20000})
+        self.assertEqual((long.status, long.headers["Connection"]), (431, "close"))
+        huge = backend.send("POST", "/storage/v1/object/task_photos/a", b"", token=token, content_length=str(300 << 20))
+        self.assertEqual((huge.status, huge.json["statusCode"], huge.headers["Connection"]), (400, "413", "close"))
+        with socket.create_connection(backend.host.split(":")) as raw:
+            raw.sendall(b"nonsense\r\n\r\n")
+            self.assertTrue(raw.makefile("rb").read().startswith(b"HTTP/1.1 400 "))
 
     def test_a_server_with_another_clock(self):
         with backend.settings(clockOffset=86400):
