@@ -72,19 +72,15 @@ std::expected<AuthLink, SBError> AuthLink::parse(const QString& link) {
     return values.queryItemValue(QLatin1String(key), QUrl::FullyDecoded).replace(u'+', u' ');
   };
   if (const QString error = value("error"); !error.isEmpty()) {
-    SBError failure = SBError::server(403, value("error_description"));
+    SBError failure = SBError::refused(value("error_description"), expiredText());
     failure.code = value("error_code");
-    failure.remedy = SBError::Remedy::mendRecord;
-    failure.text = expiredText();
     return std::unexpected(std::move(failure));
   }
   AuthLink parsed{value("access_token"), value("refresh_token"), value("expires_in").toLongLong(),
                   value("type") == u"recovery"};
   if (parsed.accessToken.isEmpty()) {
-    SBError failure = SBError::server(0, QStringLiteral("The link carries no session"));
-    failure.remedy = SBError::Remedy::mendRecord;
-    failure.text = QStringLiteral("This link cannot be used here. Ask for a new one.");
-    return std::unexpected(std::move(failure));
+    return std::unexpected(SBError::refused(QStringLiteral("The link carries no session"),
+                                            QStringLiteral("This link cannot be used here. Ask for a new one.")));
   }
   return parsed;
 }

@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QFile>
 #include <QSaveFile>
+#include <QTimer>
 #include <algorithm>
 #include <array>
 
@@ -68,7 +69,7 @@ FileTransferQueue::FileTransferQueue(SupabaseStorage& storage, SupabaseClient& c
     : QObject(parent), storage_(storage), client_(client), clock_(clock), timing_(timing), file_(file) {
   load();
   connect(&client_, &SupabaseClient::sessionChanged, this, &FileTransferQueue::process);
-  QMetaObject::invokeMethod(this, &FileTransferQueue::process, Qt::QueuedConnection);
+  QTimer::singleShot(0, this, &FileTransferQueue::process);
 }
 
 FileTransferQueue::~FileTransferQueue() { *alive_ = false; }

@@ -66,9 +66,11 @@ QCoro::Task<HttpTransport::Attempt> HttpTransport::once(HttpRequest request) {
   if (!request.bodyFile.isEmpty()) {
     file = std::make_unique<QFile>(request.bodyFile);
     if (!file->open(QIODevice::ReadOnly)) {
-      SBError error = SBError::network(QStringLiteral("The file could not be read: %1").arg(file->errorString()));
-      error.remedy = SBError::Remedy::mendRecord;
-      co_return Attempt{std::unexpected(std::move(error)), false};
+      co_return Attempt{
+          std::unexpected(SBError::refused(
+              QStringLiteral("The file could not be read: ") + file->errorString(),
+              QStringLiteral("The file is not on this computer any more, or it cannot be read. Attach it again."))),
+          false};
     }
   }
   const QNetworkRequest built = platformRequest(request);

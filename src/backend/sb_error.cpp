@@ -165,11 +165,18 @@ Remedy remedyOf(const SBError& error, const HttpReply& reply) {
     case 402:
       return Remedy::askPermission;
     default:
-      return error.status >= 500 ? Remedy::retryLater : Remedy::mendRecord;
+      return error.status >= 500 || error.status < 400 ? Remedy::retryLater : Remedy::mendRecord;
   }
 }
 
+/// The networks of marinas and hotels answer in the server's place until somebody signs in to them.
+QString portalText() {
+  return QStringLiteral(
+      "The answer did not come from the server. If this network asks for a sign-in of its own, open a web page first.");
+}
+
 QString userText(const SBError& error) {
+  if (error.status >= 300 && error.status < 400) return portalText();
   if (error.isUserGone()) return QStringLiteral("Your user no longer exists on the server. Please sign in again.");
   for (const KnownCode& known : kKnownCodes)
     if (!known.text.empty() &&
@@ -236,7 +243,16 @@ SBError SBError::server(int status, const QString& message) {
   error.status = status;
   error.message = message;
   error.reason = message;
-  error.text = textOf(error.remedy);
+  error.text = portalText();
+  return error;
+}
+
+SBError SBError::refused(const QString& message, const QString& text) {
+  SBError error;
+  error.message = message;
+  error.reason = message;
+  error.remedy = Remedy::mendRecord;
+  error.text = text;
   return error;
 }
 

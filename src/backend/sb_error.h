@@ -43,8 +43,10 @@ struct SBError {
 
   /// From a reply outside 200–299.
   static SBError fromReply(const HttpReply& reply);
-  /// With a message of the client's own, e.g. "Invalid JSON response".
+  /// A reply that is not the backend's, with a message of the client's own: "Invalid JSON response".
   static SBError server(int status, const QString& message);
+  /// Refused by the client itself; trying again would not help.
+  static SBError refused(const QString& message, const QString& text);
   static SBError notAuthenticated();
   static SBError network(const QString& description);
 

@@ -17,9 +17,8 @@ std::optional<std::int64_t> totalOf(const HttpReply& reply) {
 
 /// A change without a filter would hit every row that the policies allow.
 SBError unfiltered() {
-  SBError error = SBError::server(0, QStringLiteral("A filter is missing"));
-  error.remedy = SBError::Remedy::mendRecord;
-  return error;
+  return SBError::refused(QStringLiteral("A filter is missing"),
+                          QStringLiteral("Nothing was changed: the program did not say which records it meant."));
 }
 
 }  // namespace

@@ -28,9 +28,11 @@ QByteArray objectPath(const QByteArray& before, const QString& bucket, const QSt
 }
 
 StorageError badURL() {
-  SBError cause = SBError::server(0, QStringLiteral("The file's path is not one that the server takes"));
-  cause.remedy = SBError::Remedy::mendRecord;
-  return {StorageError::Case::badURL, 0, {}, std::move(cause)};
+  return {StorageError::Case::badURL,
+          0,
+          {},
+          SBError::refused(QStringLiteral("The file's path is not one that the server takes"),
+                           QStringLiteral("The file's name cannot be used on the server. It stays on this computer."))};
 }
 
 StorageError failed(StorageError::Case kind, const SBError& cause) {
@@ -40,11 +42,11 @@ StorageError failed(StorageError::Case kind, const SBError& cause) {
 }
 
 StorageError tooLarge() {
-  SBError cause = SBError::server(413, QStringLiteral("Payload too large"));
+  SBError cause = SBError::refused(
+      QStringLiteral("Payload too large"),
+      QStringLiteral("The file is larger than 50 MB, which the server does not take. It stays on this computer."));
+  cause.status = 413;
   cause.code = QStringLiteral("EntityTooLarge");
-  cause.remedy = SBError::Remedy::mendRecord;
-  cause.text =
-      QStringLiteral("The file is larger than 50 MB, which the server does not take. It stays on this computer.");
   return {StorageError::Case::uploadFailed, 413, cause.message, cause};
 }
 

@@ -17,7 +17,8 @@ namespace thalvorn {
 template <class T>
 using StorageTask = QCoro::Task<std::expected<T, StorageError>>;
 
-/// The content of a file as it was stored.
+/// The content of a file as it was stored. A type of its own because an expected QByteArray cannot be awaited:
+/// libstdc++ 12 loops while comparing the coroutine's handle.
 struct StoredFile {
   QByteArray content;
 };

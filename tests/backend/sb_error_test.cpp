@@ -90,6 +90,7 @@ TEST(SBErrorTest, TellsFromOddRepliesWhatHelps) {
        Remedy::mendRecord},
       {"an HTML page of the edge", 520, "<html><body>Web server is returning an unknown error</body></html>", "", "",
        Remedy::retryLater},
+      {"a marina's sign-in page", 302, "<html>", "", "", Remedy::retryLater},
       {"a paused project", 540, "", "", "", Remedy::retryLater},
       {"too large a request", 413, "", "", "", Remedy::smallerBatch},
       {"a missing object", 400, R"({"statusCode":"404","error":"not_found","message":"Object not found"})", "not_found",
