@@ -9,7 +9,7 @@ using Remedy = SBError::Remedy;
 
 struct OddReply {
   const char* what;
-  int status;
+  qint64 status;
   QByteArray body;
   const char* code;
   const char* reason;
@@ -106,7 +106,7 @@ TEST(SBErrorTest, TellsFromOddRepliesWhatHelps) {
   };
   for (const OddReply& odd : replies) {
     SCOPED_TRACE(odd.what);
-    const SBError error = SBError::fromReply({odd.status, odd.body, odd.headers});
+    const SBError error = SBError::fromReply({static_cast<int>(odd.status), odd.body, odd.headers});
     EXPECT_EQ(error.code, QLatin1String(odd.code));
     EXPECT_EQ(error.reason, QLatin1String(odd.reason));
     EXPECT_EQ(static_cast<int>(error.remedy), static_cast<int>(odd.remedy));

@@ -13,7 +13,6 @@
 namespace thalvorn {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 using Case = StorageError::Case;
