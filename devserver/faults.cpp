@@ -190,6 +190,7 @@ void Faults::set(std::vector<Fault> faults) {
 std::vector<std::string> Faults::names() const {
   const std::lock_guard lock(mutex_);
   std::vector<std::string> names;
+  names.reserve(faults_.size());
   for (const auto& fault : faults_) names.push_back(fault.name);
   return names;
 }

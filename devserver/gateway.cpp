@@ -76,7 +76,8 @@ std::string settingsText(const Settings& settings, const Faults& faults, const S
                                       {"timeZone", settings.timeZone},
                                       {"faults", json::array(names.begin(), names.end())},
                                       {"publishableKey", site.publishableKey},
-                                      {"serviceKey", site.serviceKey}});
+                                      {"serviceKey", site.serviceKey},
+                                      {"databaseFolder", site.databaseFolder}});
 }
 
 }  // namespace

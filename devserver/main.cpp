@@ -42,8 +42,8 @@ While it runs, on the same address and without a key:
   GET /dev/settings, PATCH /dev/settings
                         what the options set, by the names maxRows, tokenLifetime, reuseInterval, mailInterval,
                         clockOffset, confirmEmail, olderErrors, timeZone and faults (a list, which replaces those in
-                        force; it leaves the settings that clock-offset and its like changed); also publishableKey and
-                        serviceKey
+                        force; it leaves the settings that clock-offset and its like changed); also publishableKey,
+                        serviceKey, and databaseFolder for scripts/database migrate
   GET /dev/mails        the mails that would have been sent, oldest first: to, type, code, token_hash, link;
                         with ?to=ADDRESS only those
 
@@ -181,7 +181,8 @@ int run(std::span<char*> words) {
   if (onlyCheck) return EXIT_SUCCESS;
   if (arguments->database.empty() || arguments->files.empty()) return fail("--database and --files are needed");
   const Guardian guardian(arguments->cleanup);
-  if (arguments->parent && kill(*arguments->parent, 0) != 0 && errno == ESRCH) return fail("its parent is gone");
+  const auto parent = arguments->parent;
+  if (parent && kill(*parent, 0) != 0 && errno == ESRCH) return fail("its parent is gone");
   const auto database = DatabaseAddresses::read(arguments->database / "connection.json");
   if (!database) return fail(database.error());
 
@@ -190,15 +191,14 @@ int run(std::span<char*> words) {
             .anonKey = {},
             .serviceKey = {},
             .publishableKey = "sb_publishable_" + randomText(18),
+            .databaseFolder = arguments->database.string(),
             .settings = SharedSettings(arguments->settings),
             .mailbox = {}};
   site.anonKey = keyFor(site, "anon");
   site.serviceKey = keyFor(site, "service_role");
   Gateway gateway(site, *database, kThreads, arguments->files);
   HttpServer server(
-      {.port = arguments->port,
-       .threads = kThreads,
-       .lifeline = arguments->parent ? lifelineOf(*arguments->parent) : -1},
+      {.port = arguments->port, .threads = kThreads, .lifeline = parent ? lifelineOf(*parent) : -1},
       [&](Request request) { return gateway.handle(std::move(request)); }, [&] { return site.settings.now(); });
   site.url = fmt::format("http://127.0.0.1:{}", server.port());
   const auto people = seed(gateway, site, *database);

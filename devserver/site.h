@@ -41,6 +41,7 @@ struct Site {
   std::string anonKey;         ///< a token of the role `anon`
   std::string serviceKey;      ///< a token of the role `service_role`
   std::string publishableKey;  ///< the newer form of `anonKey`: no token
+  std::string databaseFolder;  ///< for `scripts/database migrate`
   SharedSettings settings;
   Mailbox mailbox;
 };

@@ -172,8 +172,10 @@ Response Exchange::upload(const std::string& bucketId, const std::string& key, b
   }
   if (request_.bodyTooLarge || static_cast<long long>(request_.body.size()) > bucket.sizeLimit) tooLarge();
 
+  // Writers of one path come one after the other, so that each knows whose bytes it replaces.
+  query("set local lock_timeout = '2s'");
   const auto previous =
-      query("select version from storage.objects where bucket_id = $1 and name = $2", {bucketId, key});
+      query("select version from storage.objects where bucket_id = $1 and name = $2 for update", {bucketId, key});
   const auto version = Uuid::random().toString();
   written_.push_back(file(version));
   std::ofstream out(written_.back(), std::ios::binary);
@@ -191,7 +193,6 @@ Response Exchange::upload(const std::string& bucketId, const std::string& key, b
                               {"httpStatusCode", 200}};
   auto subject = textMember(*claims_, "sub");
   const Parameter owner = subject.empty() ? Parameter() : Parameter(subject);
-  query("set local lock_timeout = '2s'");
   become();
   std::string sql =
       "insert into storage.objects (id, bucket_id, name, owner, owner_id, version, metadata) "
