@@ -41,15 +41,13 @@ Outcome<const FunctionFacts*> chooseFunction(const Schema& schema, const std::st
         fmt::format("Searched for the function public.{}{}, but no matches were found in the schema cache.", name,
                     searched)));
   }
-  std::vector<std::string> forms;
-  for (const auto* function : fitting) {
-    std::vector<std::string> arguments;
-    for (const auto& argument : function->arguments) arguments.push_back(argument.name + " => " + argument.type);
-    forms.push_back("public." + name + "(" + joined(arguments, [](auto& argument) { return argument; }) + ")");
-  }
+  const auto signature = [&](const FunctionFacts* function) {
+    const auto arguments =
+        joined(function->arguments, [](auto& argument) { return argument.name + " => " + argument.type; });
+    return "public." + name + "(" + arguments + ")";
+  };
   return std::unexpected(refusal(
-      300, "PGRST203",
-      "Could not choose the best candidate function between: " + joined(forms, [](auto& form) { return form; }), {},
+      300, "PGRST203", "Could not choose the best candidate function between: " + joined(fitting, signature), {},
       "Try renaming the parameters or the function itself in the database so function overloading can be resolved"));
 }
 

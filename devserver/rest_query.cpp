@@ -444,8 +444,8 @@ void appendCondition(Statement& sql, const std::string& relation, const Conditio
     sql << "(";
     sql.bind(arrayText(condition.values)) << ")";
   } else if (!condition.quantifier.empty()) {
-    std::vector<std::string> patterns;
-    for (const auto& value : condition.values) patterns.push_back(patternOf(condition, value));
+    auto patterns = condition.values;
+    for (auto& pattern : patterns) pattern = patternOf(condition, pattern);
     sql << condition.quantifier << "(";
     sql.bind(arrayText(patterns)) << ")";
   } else {

@@ -71,7 +71,7 @@ void addApplied(const Preferences& preferences, Response& response);
 void appendLimit(Statement& sql, const Work& work, const RowRange& range);
 
 /// The texts that `form` makes of `parts`, with commas between.
-std::string joined(const std::vector<std::string>& parts, auto form) {
+std::string joined(const auto& parts, auto form) {
   std::string out;
   for (const auto& part : parts) out += (out.empty() ? "" : ", ") + form(part);
   return out;
