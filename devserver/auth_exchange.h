@@ -70,7 +70,10 @@ class Exchange {
   std::string bodyText(std::string_view name) { return textMember(body(), name); }
   std::string bodyEmail();
   std::optional<User> findUser(std::string_view condition, const std::string& value);
-  User userById(const std::string& id) { return findUser("u.id = $1", id).value(); }
+  User userById(const std::string& id) {
+    if (auto user = findUser("u.id = $1", id)) return std::move(*user);
+    refuse(403, "user_not_found", "User from sub claim in JWT does not exist");
+  }
   Bearer bearer();
   void checkPassword(const std::string& password) const;
 
