@@ -105,7 +105,8 @@ void appendReturning(Statement& sql, const Work& work, const std::string& relati
 }
 
 /// The reply to a write; `status` without and with the rows in it.
-Outcome<Response> writeReply(const Work& work, ResultSet& result, Preferences applied, std::pair<int, int> status) {
+Outcome<Response> writeReply(const Work& work, ResultSet& result, const Preferences& applied,
+                             std::pair<int, int> status) {
   const bool representation = work.preferences.returning == "representation";
   Response response{.status = representation ? status.second : status.first, .headers = {}, .body = {}};
   response.with("Content-Range", work.preferences.count ? fmt::format("*/{}", result.count) : "*/*");
@@ -155,7 +156,7 @@ Outcome<Response> insertRows(Session& session, const Work& work, const std::stri
   auto result = execute(session, work, sql);
   if (!result) return std::unexpected(result.error());
   const int status = merge && result->inserted <= 0 && !work.settings.olderErrors ? 200 : 201;
-  return writeReply(work, *result, std::move(applied), {status, status});
+  return writeReply(work, *result, applied, {status, status});
 }
 
 Outcome<Response> updateRows(Session& session, const Work& work, const std::string& name, const TableFacts& table) {
@@ -181,7 +182,7 @@ Outcome<Response> updateRows(Session& session, const Work& work, const std::stri
   if (!result) return std::unexpected(result.error());
   auto applied = work.preferences;
   applied.resolution.reset();
-  return writeReply(work, *result, std::move(applied), {204, 200});
+  return writeReply(work, *result, applied, {204, 200});
 }
 
 Outcome<Response> deleteRows(Session& session, const Work& work, const std::string& name) {
@@ -195,7 +196,7 @@ Outcome<Response> deleteRows(Session& session, const Work& work, const std::stri
   auto applied = work.preferences;
   applied.resolution.reset();
   applied.missing.reset();
-  return writeReply(work, *result, std::move(applied), {204, 200});
+  return writeReply(work, *result, applied, {204, 200});
 }
 
 }  // namespace
