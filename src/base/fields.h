@@ -22,6 +22,7 @@ struct FieldFacts {
   double maximum = std::numeric_limits<double>::max();
   bool required = false;
   bool sensitive = false;  ///< masked on screen, left out of exports and logs
+  bool countsUp = false;   ///< a meter: two people's readings merge to the higher one
   FieldEntry entry = FieldEntry::automatic;
 };
 

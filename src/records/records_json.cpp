@@ -2,6 +2,7 @@
 
 #include "base/json_codec.h"
 #include "records/calendar_event.h"
+#include "records/conflict_note.h"
 #include "records/equipment_item.h"
 #include "records/guest_profile.h"
 #include "records/ship_contact.h"
@@ -23,5 +24,6 @@ THALVORN_JSON_INSTANTIATE(GuestDocument);
 THALVORN_JSON_INSTANTIATE(GuestProfile);
 THALVORN_JSON_INSTANTIATE(CalendarEvent);
 THALVORN_JSON_INSTANTIATE(SubscriptionAccount);
+THALVORN_JSON_INSTANTIATE(ConflictNote);
 
 }  // namespace thalvorn

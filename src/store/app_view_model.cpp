@@ -32,8 +32,6 @@ template <class T>
 concept HasInlineContent =
     requires(const std::vector<T>& records, const AttachmentStore& files) { moveInlineContent(records, files); };
 
-std::string markKey(std::string_view suffix, const Uuid& id) { return std::string(suffix) + ' ' + id.toString(); }
-
 std::string selectedVesselKey(const std::string& prefix) { return prefix + "_selectedVesselID"; }
 
 /// "“Engine coolant check” deleted", or "Service log deleted" for a record without a name.
@@ -60,7 +58,7 @@ struct AppViewModel::Loaded {
     using type = std::tuple<std::vector<T>...>;
   };
   ListsOf<RecordTypes>::type lists;
-  std::unordered_map<std::string, Revision> dirty;
+  UnsentMarks marks;
   Edit contentMoved{.label = "Photos and files moved to disk"};      ///< of records as an older program left them
   std::vector<std::pair<std::string_view, std::size_t>> movedBytes;  ///< by suffix
   std::string problem;
@@ -156,8 +154,7 @@ AppViewModel::Loaded AppViewModel::decodeState(LocalCache& cache, const Attachme
   });
   if (prefix != demoPrefix && prefix != localPrefix) {
     for (const auto* edits : {&state->unsent, &state->journal})
-      for (const JournalEntry& edit : *edits)
-        for (const EntryChange& change : edit.changes) loaded.dirty[markKey(change.suffix, change.id)] = edit.revision;
+      for (const JournalEntry& edit : *edits) loaded.marks.note(edit, edit.revision);
   }
   return loaded;
 }
@@ -167,7 +164,7 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
   forEachKind([&]<class T>(std::type_identity<T>) {
     mutableCollection<T>().reset(std::move(std::get<std::vector<T>>(loaded.lists)));
   });
-  dirty_ = std::move(loaded.dirty);
+  marks_ = std::move(loaded.marks);
   undoable_.clear();
   qCInfo(storeLog, "🔄 %zu vessels from key %s_vessels", vessels().size(), prefix.c_str());
   if (!ismRecords().empty()) qCInfo(storeLog, "📂 ISM load: count=%zu", ismRecords().size());
@@ -181,13 +178,28 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
     selectedVessel_ = ordered.empty() ? std::nullopt : std::optional(ordered.front()->id);
   }
   saveMovedContent(loaded);
+  restoreAccount();
 
   isReloading_ = false;
   Q_EMIT prefixChanged();
   Q_EMIT selectedVesselIDChanged();
   Q_EMIT isReloadingChanged();
   Q_EMIT undoableChanged();
+  Q_EMIT unsentChanged();
   Q_EMIT reloaded();
+}
+
+void AppViewModel::restoreAccount() {
+  std::optional<AccountMember> own;
+  if (!prefix_.empty() && !staysOnThisComputer()) {
+    setAccountID(cache_.preference(accountKey(prefix_)).value_or(std::string()));
+    for (const AccountMember& member : accountMembers().records())
+      if (member.userId && member.userId->toString() == prefix_ && member.accountId.toString() == accountId_)
+        own = member;
+  } else {
+    setAccountID({});
+  }
+  setMembership(std::move(own));
 }
 
 void AppViewModel::saveMovedContent(const Loaded& loaded) {
@@ -266,6 +278,7 @@ Saving AppViewModel::apply(Edit edit) {
   if (edit.empty()) return finishedSaving(Revision{0});
   if (cache_.isReadOnly()) return refused(cache_.readOnlyReason());
   if (prefix_.empty()) return refused("Open a fleet first.");
+  if (std::string refusal = refusalOf(edit); !refusal.empty()) return refused(std::move(refusal));
 
   // A form works on a copy; what changed in the record meanwhile stays unless the form changed the same field.
   for (RecordChange& change : edit.changes) {
@@ -382,8 +395,10 @@ void AppViewModel::saved(std::expected<Revision, CacheError> result) {
   Pending done = std::move(pending_.front());
   pending_.pop_front();
   saveProblem_.clear();
-  if (!staysOnThisComputer() && done.entry.prefix == prefix_)
-    for (const EntryChange& change : done.entry.changes) dirty_[markKey(change.suffix, change.id)] = *result;
+  if (!staysOnThisComputer() && done.entry.prefix == prefix_) {
+    marks_.note(done.entry, *result);
+    Q_EMIT unsentChanged();
+  }
   done.promise->addResult(SaveResult(*result));
   done.promise->finish();
   Q_EMIT unsavedChanged();
@@ -393,11 +408,6 @@ void AppViewModel::saved(std::expected<Revision, CacheError> result) {
 void AppViewModel::retrySaving() {
   retryTimer_.stop();
   saveNext();
-}
-
-std::optional<Revision> AppViewModel::dirtyRevision(std::string_view suffix, const Uuid& id) const {
-  const auto mark = dirty_.find(markKey(suffix, id));
-  return mark == dirty_.end() ? std::nullopt : std::optional(mark->second);
 }
 
 void AppViewModel::schedulePush() {
@@ -466,6 +476,8 @@ THALVORN_INSTANTIATE(CrewMember);
 THALVORN_INSTANTIATE(GuestProfile);
 THALVORN_INSTANTIATE(CalendarEvent);
 THALVORN_INSTANTIATE(AccountMember);
+THALVORN_INSTANTIATE(ISMCheckDefinition);
+THALVORN_INSTANTIATE(ConflictNote);
 #undef THALVORN_INSTANTIATE
 
 }  // namespace thalvorn

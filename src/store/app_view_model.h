@@ -13,6 +13,7 @@
 #include <QCoroTask>
 
 #include "base/calendar.h"
+#include "compliance/permissions.h"
 #include "core/task_board.h"
 #include "store/attachments.h"
 #include "store/collection.h"
@@ -20,6 +21,7 @@
 #include "store/local_cache.h"
 #include "store/record_kind.h"
 #include "store/saving.h"
+#include "store/unsent_marks.h"
 
 namespace thalvorn {
 
@@ -33,6 +35,32 @@ class SyncTrigger {
   virtual ~SyncTrigger() = default;
   virtual void push() = 0;
   virtual void fullSync() = 0;
+};
+
+/// A record that waits for upload.
+template <class T>
+struct Unsent {
+  Uuid id;
+  std::optional<T> base;     ///< as both sides last knew it; empty when it was made here
+  std::optional<T> current;  ///< empty when it was deleted here
+  Revision revision = 0;     ///< of its newest edit
+  Timestamp at;              ///< when that was made
+};
+
+/// What the backend holds of one record, for the store to take.
+template <class T>
+struct FromBackend {
+  Uuid id;
+  std::optional<T> theirs;  ///< empty: it is not there any more
+  std::optional<T> merged;  ///< what it becomes here; the same as `theirs` when nothing of ours is left in it
+};
+
+/// A record that reached the backend.
+template <class T>
+struct Uploaded {
+  Uuid id;
+  Revision upTo = 0;        ///< the newest edit that is in it
+  std::optional<T> record;  ///< as it stands there; empty when it was deleted
 };
 
 /// The single in-memory store of everything the user works on. Screens read its collections and call its operations;
@@ -76,6 +104,8 @@ class AppViewModel : public QObject {
   const Collection<GuestProfile>& guestProfiles() const { return collection<GuestProfile>(); }
   const Collection<CalendarEvent>& calendarEvents() const { return collection<CalendarEvent>(); }
   const Collection<AccountMember>& accountMembers() const { return collection<AccountMember>(); }
+  const Collection<ISMCheckDefinition>& ismCheckDefinitions() const { return collection<ISMCheckDefinition>(); }
+  const Collection<ConflictNote>& conflicts() const { return collection<ConflictNote>(); }
 
   const std::string& accountID() const { return accountId_; }
   std::string displayName() const;
@@ -123,7 +153,7 @@ class AppViewModel : public QObject {
   // ---- operations
   // ----------------------------------------------------------------------------------------------------
   /// Applies an edit in memory at once and saves it; the one way in for every change. Refuses without change when the
-  /// file is read-only or a record to be changed is gone.
+  /// file is read-only, the user's role does not allow it, or a record to be changed is gone.
   Saving apply(Edit edit);
 
   /// Adds the record (a nil `id` gets a new one), replaces the one with its `id`, or deletes by `id`.
@@ -172,11 +202,40 @@ class AppViewModel : public QObject {
   const std::string& saveProblem() const { return saveProblem_; }
   /// Tries again now.
   void retrySaving();
-  /// The newest unsent revision of a record; empty when it is uploaded or never will be.
-  std::optional<Revision> dirtyRevision(std::string_view suffix, const Uuid& id) const;
-  int dirtyCount() const { return static_cast<int>(dirty_.size()); }
 
+  // ---- exchange with the backend
+  // -------------------------------------------------------------------------------------
   void setSyncTrigger(SyncTrigger* trigger) { sync_ = trigger; }
+  /// Signed in with a session that can be used: changes are pushed, and the five-minute loop runs.
+  void setAuthenticated(bool authenticated);
+  /// The account whose rows the fleet is; empty while it is not resolved.
+  void setAccountID(std::string id);
+  /// The preference that keeps the account of a user between starts.
+  static std::string accountKey(const std::string& userID) { return userID + "_accountID"; }
+
+  /// The user's place in the account, which decides what he may see and change. While it is unknown nothing is held
+  /// back here; the server decides what it takes.
+  void setMembership(std::optional<AccountMember> member);
+  const std::optional<AccountMember>& membership() const { return membership_; }
+  /// The rights in a module, or in what belongs to every member. In the fleets of this computer everything is allowed.
+  ModuleRights rights(std::optional<AppTabPermissionKey> module) const;
+
+  /// The records on disk that wait for upload.
+  template <class T>
+  std::vector<Unsent<T>> unsent() const;
+  /// How many records wait, of one entry or of all. None ever waits of the fleets that stay on this computer.
+  int dirtyCount() const { return static_cast<int>(marks_.records()); }
+  int dirtyCount(std::string_view suffix) const { return static_cast<int>(marks_.records(suffix)); }
+
+  /// Takes what the backend holds, in one edit that is neither uploaded nor undone. A record that waits for upload must
+  /// come with what it was merged to, from its state at this moment; it waits on, on top of `theirs`. Everything must
+  /// be saved (`unsavedCount()` is 0), since only then is it known what waits. `also`: what is changed here along with
+  /// it, to be uploaded.
+  template <class T>
+  Saving takeFromBackend(std::vector<FromBackend<T>> records, Edit also = {});
+  /// The backend holds these records as they are given, each since its edit `upTo`.
+  template <class T>
+  void markUploaded(const std::vector<Uploaded<T>>& records);
 
  Q_SIGNALS:
   void isReloadingChanged();
@@ -186,6 +245,11 @@ class AppViewModel : public QObject {
   void selectedFilterChanged();
   void spotlightHighlightIDChanged();
   void displayNameChanged();
+  void isAuthenticatedChanged();
+  void accountIDChanged();
+  void membershipChanged();
+  /// What waits for upload is other than it was.
+  void unsentChanged();
   void unsavedChanged();
   /// After every edit has been applied in memory.
   void edited(const thalvorn::Edit& edit);
@@ -210,7 +274,9 @@ class AppViewModel : public QObject {
                             Timestamp now);
   void take(Loaded loaded, const std::string& prefix);
   void saveMovedContent(const Loaded& loaded);
+  void restoreAccount();
   void noteDemoEdit();
+  std::string refusalOf(const Edit& edit) const;
   void applyInMemory(const Edit& edit);
   std::optional<AnyRecord> currentOf(const AnyRecord& like) const;
   Saving save(JournalEntry entry);
@@ -230,6 +296,7 @@ class AppViewModel : public QObject {
   std::string accountId_;
   bool isReloading_ = false;
   bool isAuthenticated_ = false;
+  std::optional<AccountMember> membership_;
   int vesselPhotoCacheVersion_ = 0;
   std::optional<Uuid> selectedVessel_;
   FilterOption selectedFilter_ = FilterOption::all;
@@ -241,7 +308,7 @@ class AppViewModel : public QObject {
   std::string loadProblem_;
   QTimer retryTimer_;
   std::deque<Edit> undoable_;
-  std::unordered_map<std::string, Revision> dirty_;  ///< by suffix + id
+  UnsentMarks marks_;
   int reloadGeneration_ = 0;
   SyncTrigger* sync_ = nullptr;
   QTimer cloudPushTask;     ///< the pending debounced upload after a change

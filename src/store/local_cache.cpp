@@ -254,6 +254,9 @@ void LocalCache::markSent(std::string prefix, std::vector<SentRecord> records, D
 void LocalCache::foldNow(Done done) { impl_->writer.fold(std::move(done)); }
 bool LocalCache::isFolding() const { return impl_->writer.isFolding(); }
 void LocalCache::flush() { impl_->writer.flush(); }
+void LocalCache::whenWritten(Done done) {
+  impl_->writer.write([](SQLite::Database& database) { return lastRevision(database); }, std::move(done));
+}
 
 std::optional<std::string> LocalCache::preference(std::string_view key) const {
   const std::lock_guard lock(impl_->preferencesMutex);

@@ -134,6 +134,8 @@ class LocalCache {
 
   /// Blocks until everything asked for so far is done.
   void flush();
+  /// Tells on the writer thread when everything asked for so far is done; an error when the file cannot be written.
+  void whenWritten(Done done);
 
   // ---- preferences -------------------------------------------------------------------------------------------------
   std::optional<std::string> preference(std::string_view key) const;

@@ -11,6 +11,7 @@
 #include "compliance/crew_board_post.h"
 #include "compliance/crew_member.h"
 #include "compliance/gmdss_test_log.h"
+#include "compliance/ism_check.h"
 #include "compliance/ism_record.h"
 #include "compliance/marpol_record.h"
 #include "core/maintenance_task.h"
@@ -22,6 +23,7 @@
 #include "operations/ships_log_entry.h"
 #include "operations/voyage_plan.h"
 #include "records/calendar_event.h"
+#include "records/conflict_note.h"
 #include "records/equipment_item.h"
 #include "records/guest_profile.h"
 #include "records/ship_contact.h"
@@ -38,6 +40,8 @@ struct KindFacts {
   std::string_view table;       ///< of the backend
   std::string_view singular;    ///< as a person reads it
   std::string_view plural;
+  /// The module whose access a member needs; empty: every member may.
+  std::optional<AppTabPermissionKey> permission;
 };
 
 template <class T>
@@ -49,40 +53,59 @@ struct RecordKind;
     static constexpr KindFacts facts{__VA_ARGS__}; \
   }
 
-THALVORN_RECORD_KIND(Vessel, "vessels", "_vessels", "vessels", "vessel", "vessels");
-THALVORN_RECORD_KIND(MaintenanceTask, "tasks", "_tasks", "maintenance_tasks", "task", "tasks");
-THALVORN_RECORD_KIND(ServiceLog, "logs", "_logs", "service_logs", "service log", "service logs");
-THALVORN_RECORD_KIND(ShipsLogEntry, "shipsLog", "_shipslog", "ships_log", "ship's log entry", "ship's log entries");
+THALVORN_RECORD_KIND(Vessel, "vessels", "_vessels", "vessels", "vessel", "vessels", AppTabPermissionKey::tasks);
+THALVORN_RECORD_KIND(MaintenanceTask, "tasks", "_tasks", "maintenance_tasks", "task", "tasks",
+                     AppTabPermissionKey::tasks);
+THALVORN_RECORD_KIND(ServiceLog, "logs", "_logs", "service_logs", "service log", "service logs",
+                     AppTabPermissionKey::tasks);
+THALVORN_RECORD_KIND(ShipsLogEntry, "shipsLog", "_shipslog", "ships_log", "ship's log entry", "ship's log entries",
+                     AppTabPermissionKey::shipslog);
 THALVORN_RECORD_KIND(VesselProfile, "vesselProfiles", "_profiles", "vessel_profiles", "vessel profile",
-                     "vessel profiles");
+                     "vessel profiles", AppTabPermissionKey::tasks);
 THALVORN_RECORD_KIND(BunkeringRecord, "bunkeringRecords", "_bunkering", "bunkering_records", "bunkering record",
-                     "bunkering records");
-THALVORN_RECORD_KIND(EquipmentItem, "equipment", "_equipment", "equipment", "equipment item", "equipment items");
+                     "bunkering records", AppTabPermissionKey::bunkering);
+THALVORN_RECORD_KIND(EquipmentItem, "equipment", "_equipment", "equipment", "equipment item", "equipment items",
+                     AppTabPermissionKey::equipment);
 THALVORN_RECORD_KIND(SubscriptionAccount, "subscriptions", "_subscriptions", "subscription_accounts", "subscription",
-                     "subscriptions");
-THALVORN_RECORD_KIND(ShipDocument, "documents", "_documents", "ship_documents", "document", "documents");
-THALVORN_RECORD_KIND(ShipContact, "contacts", "_contacts", "ship_contacts", "contact", "contacts");
-THALVORN_RECORD_KIND(VoyagePlan, "voyagePlans", "_voyageplans", "voyage_plans", "voyage plan", "voyage plans");
-THALVORN_RECORD_KIND(SavedWaypoint, "savedWaypoints", "_saved_waypoints", "saved_waypoints", "waypoint", "waypoints");
-THALVORN_RECORD_KIND(YardPeriod, "yardPeriods", "_yard_periods", "yard_periods", "yard period", "yard periods");
+                     "subscriptions", AppTabPermissionKey::subscriptions);
+THALVORN_RECORD_KIND(ShipDocument, "documents", "_documents", "ship_documents", "document", "documents",
+                     AppTabPermissionKey::documents);
+THALVORN_RECORD_KIND(ShipContact, "contacts", "_contacts", "ship_contacts", "contact", "contacts",
+                     AppTabPermissionKey::contacts);
+THALVORN_RECORD_KIND(VoyagePlan, "voyagePlans", "_voyageplans", "voyage_plans", "voyage plan", "voyage plans",
+                     AppTabPermissionKey::voyage);
+THALVORN_RECORD_KIND(SavedWaypoint, "savedWaypoints", "_saved_waypoints", "saved_waypoints", "waypoint", "waypoints",
+                     AppTabPermissionKey::voyage);
+THALVORN_RECORD_KIND(YardPeriod, "yardPeriods", "_yard_periods", "yard_periods", "yard period", "yard periods",
+                     AppTabPermissionKey::yardRefit);
 THALVORN_RECORD_KIND(CrewBoardPost, "crewBoardPosts", "_crew_board", "crew_board_posts", "crew board post",
-                     "crew board posts");
-THALVORN_RECORD_KIND(ISMRecord, "ismRecords", "_ism", "ism_records", "ISM record", "ISM records");
-THALVORN_RECORD_KIND(MarpolRecord, "marpolRecords", "_marpol", "marpol_records", "MARPOL record", "MARPOL records");
-THALVORN_RECORD_KIND(GMDSSTestLog, "gmdssTestLogs", "_gmdss", "gmdss_test_logs", "GMDSS test log", "GMDSS test logs");
-THALVORN_RECORD_KIND(CrewMember, "crewMembers", "_crew", "crew_members", "crew member", "crew members");
-THALVORN_RECORD_KIND(GuestProfile, "guestProfiles", "_guests", "guest_profiles", "guest", "guests");
+                     "crew board posts", std::nullopt);
+THALVORN_RECORD_KIND(ISMRecord, "ismRecords", "_ism", "ism_records", "ISM record", "ISM records",
+                     AppTabPermissionKey::ism);
+THALVORN_RECORD_KIND(MarpolRecord, "marpolRecords", "_marpol", "marpol_records", "MARPOL record", "MARPOL records",
+                     AppTabPermissionKey::marpol);
+THALVORN_RECORD_KIND(GMDSSTestLog, "gmdssTestLogs", "_gmdss", "gmdss_test_logs", "GMDSS test log", "GMDSS test logs",
+                     AppTabPermissionKey::gmdss);
+THALVORN_RECORD_KIND(CrewMember, "crewMembers", "_crew", "crew_members", "crew member", "crew members",
+                     AppTabPermissionKey::crew);
+THALVORN_RECORD_KIND(GuestProfile, "guestProfiles", "_guests", "guest_profiles", "guest", "guests",
+                     AppTabPermissionKey::guests);
 THALVORN_RECORD_KIND(CalendarEvent, "calendarEvents", "_calendar_events", "calendar_events", "calendar event",
-                     "calendar events");
-THALVORN_RECORD_KIND(AccountMember, "accountMembers", "_members", "account_members", "member", "members");
+                     "calendar events", AppTabPermissionKey::calendar);
+THALVORN_RECORD_KIND(AccountMember, "accountMembers", "_members", "account_members", "member", "members",
+                     AppTabPermissionKey::admin);
+THALVORN_RECORD_KIND(ISMCheckDefinition, "ismCheckDefinitions", "_ism_checks", "ism_check_definitions",
+                     "ISM check definition", "ISM check definitions", AppTabPermissionKey::ism);
+THALVORN_RECORD_KIND(ConflictNote, "conflicts", "_conflicts", "conflict_notes", "conflict", "conflicts", std::nullopt);
 
 #undef THALVORN_RECORD_KIND
 
 /// All record kinds, in the order of the store's collections.
-using RecordTypes = boost::mp11::mp_list<Vessel, MaintenanceTask, ServiceLog, ShipsLogEntry, VesselProfile,
-                                         BunkeringRecord, EquipmentItem, SubscriptionAccount, ShipDocument, ShipContact,
-                                         VoyagePlan, SavedWaypoint, YardPeriod, CrewBoardPost, ISMRecord, MarpolRecord,
-                                         GMDSSTestLog, CrewMember, GuestProfile, CalendarEvent, AccountMember>;
+using RecordTypes =
+    boost::mp11::mp_list<Vessel, MaintenanceTask, ServiceLog, ShipsLogEntry, VesselProfile, BunkeringRecord,
+                         EquipmentItem, SubscriptionAccount, ShipDocument, ShipContact, VoyagePlan, SavedWaypoint,
+                         YardPeriod, CrewBoardPost, ISMRecord, MarpolRecord, GMDSSTestLog, CrewMember, GuestProfile,
+                         CalendarEvent, AccountMember, ISMCheckDefinition, ConflictNote>;
 
 /// A record of any kind.
 using AnyRecord = boost::mp11::mp_rename<RecordTypes, std::variant>;

@@ -1,0 +1,214 @@
+// The store's side of the exchange with the backend: what waits for upload, and taking what came down.
+
+#include <algorithm>
+
+#include "store/app_view_model.h"
+
+namespace thalvorn {
+namespace {
+
+template <class T>
+std::string sideSuffix() {
+  return std::string(RecordKind<T>::facts.suffix) + "_extra";
+}
+
+/// The JSON of the record's side entry; empty for a kind without one.
+template <class T>
+std::string sideJson(const T& record) {
+  if constexpr (HasExtraFields<T>) {
+    return extraJson(record);
+  } else {
+    return {};
+  }
+}
+
+/// The record from the JSON of its entry and of its side entry; empty when it was not there, or cannot be read.
+template <class T>
+std::optional<T> fromEntries(const std::string& own, const std::string& extra) {
+  if (own.empty()) return std::nullopt;
+  auto record = recordFromJson<T>(own, JsonFields::own);
+  if (!record) return std::nullopt;
+  if constexpr (HasExtraFields<T>) {
+    if (!extra.empty() && !updateFromJson(*record, extra, JsonFields::extra)) return std::nullopt;
+  }
+  return *std::move(record);
+}
+
+template <class T>
+std::optional<AnyRecord> anyRecord(const std::optional<T>& record) {
+  return record ? std::optional<AnyRecord>(*record) : std::nullopt;
+}
+
+void append(std::vector<EntryChange>& to, std::optional<AnyRecord> before, std::optional<AnyRecord> after, bool sent) {
+  if (before == after) return;
+  Edit edit;
+  edit.changes.push_back({std::move(before), std::move(after)});
+  for (EntryChange& change : entryChanges(edit)) {
+    change.sent = sent;
+    to.push_back(std::move(change));
+  }
+}
+
+}  // namespace
+
+void AppViewModel::setAuthenticated(bool authenticated) {
+  if (authenticated == isAuthenticated_) return;
+  isAuthenticated_ = authenticated;
+  if (authenticated) {
+    periodicSyncTask.start();
+  } else {
+    periodicSyncTask.stop();
+    cloudPushTask.stop();
+  }
+  Q_EMIT isAuthenticatedChanged();
+}
+
+void AppViewModel::setAccountID(std::string id) {
+  if (id == accountId_) return;
+  accountId_ = std::move(id);
+  Q_EMIT accountIDChanged();
+}
+
+void AppViewModel::setMembership(std::optional<AccountMember> member) {
+  if (member == membership_) return;
+  membership_ = std::move(member);
+  Q_EMIT membershipChanged();
+}
+
+ModuleRights AppViewModel::rights(std::optional<AppTabPermissionKey> module) const {
+  if (prefix_.empty() || staysOnThisComputer()) return {.read = true, .write = true};
+  if (!membership_) return {.read = true, .write = true};
+  return module ? rightsOf(*membership_, *module) : commonRightsOf(*membership_);
+}
+
+std::string AppViewModel::refusalOf(const Edit& edit) const {
+  if (staysOnThisComputer()) return {};
+  for (const RecordChange& change : edit.changes) {
+    const KindFacts& kind =
+        std::visit([]<class T>(const T&) -> const KindFacts& { return RecordKind<T>::facts; }, change.either());
+    if (!rights(kind.permission).write)
+      return "Your role in this account does not allow changing " + std::string(kind.plural) + "; nothing was changed.";
+    if (!std::holds_alternative<CrewMember>(change.either())) continue;
+    const CrewMember none;
+    const CrewMember& before = change.before ? std::get<CrewMember>(*change.before) : none;
+    const CrewMember& after = change.after ? std::get<CrewMember>(*change.after) : none;
+    for (const AppTabPermissionKey part : changedCrewParts(before, after))
+      if (!rights(part).write)
+        return "Your access to “" + std::string(displayText(part)) +
+               "” does not allow changing it; nothing was changed.";
+  }
+  return {};
+}
+
+template <class T>
+std::vector<Unsent<T>> AppViewModel::unsent() const {
+  const auto& own = marks_.of(RecordKind<T>::facts.suffix);
+  const auto& side = marks_.of(sideSuffix<T>());
+  std::vector<Unsent<T>> waiting;
+  const auto add = [&](const Uuid& id, const UnsentMark* ownMark, const UnsentMark* sideMark) {
+    Unsent<T> record{.id = id};
+    if (const T* current = collection<T>().find(id)) record.current = *current;
+    record.base = fromEntries<T>(ownMark          ? ownMark->before
+                                 : record.current ? toJson(*record.current)
+                                                  : std::string(),
+                                 sideMark         ? sideMark->before
+                                 : record.current ? sideJson(*record.current)
+                                                  : std::string());
+    for (const UnsentMark* mark : {ownMark, sideMark}) {
+      if (!mark) continue;
+      record.revision = std::max(record.revision, mark->revision);
+      record.at = std::max(record.at, mark->at);
+    }
+    waiting.push_back(std::move(record));
+  };
+  for (const auto& [id, mark] : own) {
+    const auto other = side.find(id);
+    add(id, &mark, other == side.end() ? nullptr : &other->second);
+  }
+  for (const auto& [id, mark] : side)
+    if (!own.contains(id)) add(id, nullptr, &mark);
+  std::ranges::sort(waiting, {}, &Unsent<T>::revision);
+  return waiting;
+}
+
+template <class T>
+Saving AppViewModel::takeFromBackend(std::vector<FromBackend<T>> records, Edit also) {
+  if (cache_.isReadOnly()) return refused(cache_.readOnlyReason());
+  if (!pending_.empty()) return refused("What was entered here is not saved yet.");
+  Edit inMemory{.label = "Received"};
+  JournalEntry entry{.revision = 0, .prefix = prefix_, .at = now(), .label = inMemory.label, .changes = {}};
+  std::vector<SentRecord> superseded;
+  for (FromBackend<T>& record : records) {
+    const T* stored = collection<T>().find(record.id);
+    const std::optional<AnyRecord> current = stored ? std::optional<AnyRecord>(*stored) : std::nullopt;
+    const std::optional<AnyRecord> theirs = anyRecord(record.theirs);
+    const std::optional<AnyRecord> merged = anyRecord(record.merged);
+    append(entry.changes, current, theirs, true);
+    append(entry.changes, theirs, merged, false);
+    if (current != merged) inMemory.changes.push_back({current, merged});
+    for (const std::string& suffix : {std::string(RecordKind<T>::facts.suffix), sideSuffix<T>()})
+      if (const UnsentMark* mark = marks_.find(suffix, record.id))
+        superseded.push_back({suffix, record.id, mark->revision});
+  }
+  for (RecordChange& change : also.changes) {
+    append(entry.changes, change.before, change.after, false);
+    inMemory.changes.push_back(std::move(change));
+  }
+  if (entry.changes.empty()) return finishedSaving(Revision{0});
+  if (!inMemory.empty()) applyInMemory(inMemory);
+  Saving saving = save(std::move(entry));
+  if (!superseded.empty())
+    saving.then(this, [this, prefix = prefix_, superseded = std::move(superseded)](const SaveResult& result) {
+      if (result) cache_.markSent(prefix, superseded, {});
+    });
+  if (!inMemory.empty()) Q_EMIT edited(inMemory);
+  return saving;
+}
+
+template <class T>
+void AppViewModel::markUploaded(const std::vector<Uploaded<T>>& records) {
+  if (records.empty()) return;
+  std::vector<SentRecord> sent;
+  for (const Uploaded<T>& record : records) {
+    std::string suffix(RecordKind<T>::facts.suffix);
+    marks_.sent(suffix, record.id, record.upTo, record.record ? toJson(*record.record) : std::string());
+    sent.push_back({std::move(suffix), record.id, record.upTo});
+    if constexpr (HasExtraFields<T>) {
+      marks_.sent(sideSuffix<T>(), record.id, record.upTo, record.record ? extraJson(*record.record) : std::string());
+      sent.push_back({sideSuffix<T>(), record.id, record.upTo});
+    }
+  }
+  cache_.markSent(prefix_, std::move(sent), {});
+  Q_EMIT unsentChanged();
+}
+
+#define THALVORN_INSTANTIATE(Type)                                                           \
+  template std::vector<Unsent<Type>> AppViewModel::unsent<Type>() const;                     \
+  template Saving AppViewModel::takeFromBackend<Type>(std::vector<FromBackend<Type>>, Edit); \
+  template void AppViewModel::markUploaded<Type>(const std::vector<Uploaded<Type>>&)
+THALVORN_INSTANTIATE(Vessel);
+THALVORN_INSTANTIATE(MaintenanceTask);
+THALVORN_INSTANTIATE(ServiceLog);
+THALVORN_INSTANTIATE(ShipsLogEntry);
+THALVORN_INSTANTIATE(VesselProfile);
+THALVORN_INSTANTIATE(BunkeringRecord);
+THALVORN_INSTANTIATE(EquipmentItem);
+THALVORN_INSTANTIATE(SubscriptionAccount);
+THALVORN_INSTANTIATE(ShipDocument);
+THALVORN_INSTANTIATE(ShipContact);
+THALVORN_INSTANTIATE(VoyagePlan);
+THALVORN_INSTANTIATE(SavedWaypoint);
+THALVORN_INSTANTIATE(YardPeriod);
+THALVORN_INSTANTIATE(CrewBoardPost);
+THALVORN_INSTANTIATE(ISMRecord);
+THALVORN_INSTANTIATE(MarpolRecord);
+THALVORN_INSTANTIATE(GMDSSTestLog);
+THALVORN_INSTANTIATE(CrewMember);
+THALVORN_INSTANTIATE(GuestProfile);
+THALVORN_INSTANTIATE(CalendarEvent);
+THALVORN_INSTANTIATE(AccountMember);
+THALVORN_INSTANTIATE(ISMCheckDefinition);
+THALVORN_INSTANTIATE(ConflictNote);
+#undef THALVORN_INSTANTIATE
+
+}  // namespace thalvorn
