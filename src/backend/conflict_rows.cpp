@@ -1,0 +1,9 @@
+#include "backend/conflict_rows.h"
+
+#include "backend/row_conversion.h"
+
+namespace thalvorn {
+
+THALVORN_ROW_INSTANTIATE(ConflictNote);
+
+}  // namespace thalvorn

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "backend/supabase_client.h"
+#include "store/app_view_model.h"
+#include "sync/sync_log.h"
+
+namespace thalvorn {
+
+/// The account as its row and its members tell.
+struct AccountFacts {
+  std::string plan = "none";  ///< "none", "captain", "fleet", "superyacht"
+  std::int64_t additionalSeats = 0;
+  /// Seats of the plan and those bought beside them.
+  int seats() const;
+};
+
+/// How many users a plan allows: none 1, captain 3, fleet 10, superyacht 25. A plan of a newer program counts as none.
+int seatsOfPlan(std::string_view plan);
+/// As a person reads it, e.g. "Captain".
+std::string_view planName(std::string_view plan);
+
+/// Finds the account of the signed-in user, and tells the store: the account, its members, the user's own membership.
+/// The last answer is kept, so that a start without a connection has everything.
+class AccountResolver : public QObject {
+  Q_OBJECT
+
+ public:
+  AccountResolver(AppViewModel& model, SupabaseClient& client, SyncLog& log, QObject* parent = nullptr);
+
+  /// Puts the last answer about this user's account in place, beside what the store itself restores.
+  void restore();
+  /// Asks the backend. An invitation to the user's address is claimed before an account of his own is made. Without a
+  /// connection the last answer stays; a user who is no member any more loses the account.
+  SBTask<void> resolve();
+
+  const AccountFacts& facts() const { return facts_; }
+
+ Q_SIGNALS:
+  void changed();
+
+ private:
+  SBTask<std::vector<AccountMember>> readMembers(TableQuery query);
+  QCoro::Task<void> takeMembers(std::vector<AccountMember> members);
+  std::unexpected<SBError> failed(const SBError& error);
+  std::string key(std::string_view suffix) const;
+
+  AppViewModel& model_;
+  SupabaseClient& client_;
+  SyncLog& log_;
+  AccountFacts facts_;
+};
+
+}  // namespace thalvorn

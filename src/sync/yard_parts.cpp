@@ -1,0 +1,132 @@
+#include "sync/yard_parts.h"
+
+#include <algorithm>
+
+#include "sync/table_reader.h"
+
+namespace thalvorn {
+namespace {
+
+template <class P>
+struct Gathered {
+  std::vector<RowOf<P>> rows;
+};
+
+template <class P>
+QCoro::Task<int> gather(std::shared_ptr<Gathered<P>> gathered, QByteArray json) {
+  auto rows =
+      listFromJson<RowOf<P>>(std::string_view(json.data(), static_cast<std::size_t>(json.size())), JsonFields::full);
+  if (!rows) co_return -1;
+  int fresh = 0;
+  for (RowOf<P>& row : rows->records) {
+    if (std::ranges::find(gathered->rows, row.id, &RowOf<P>::id) != gathered->rows.end()) continue;
+    gathered->rows.push_back(std::move(row));
+    ++fresh;
+  }
+  co_return fresh;
+}
+
+template <class P>
+SBTask<std::vector<RowOf<P>>> readPart(SyncRunPtr run, std::vector<Uuid> periods) {
+  const auto gathered = std::make_shared<Gathered<P>>();
+  const auto read = co_await readTable(
+      run->client, TableQuery(RowKind<P>::facts.table).eq("account_id", run->accountID).in("yard_period_id", periods),
+      {}, [gathered](QByteArray rows) { return gather<P>(gathered, std::move(rows)); }, run->token);
+  if (!read) co_return std::unexpected(read.error());
+  if (!read->complete) co_return std::unexpected(SBError::network(QStringLiteral("The download was cut short")));
+  co_return gathered->rows;
+}
+
+template <class P>
+std::vector<P> recordsOf(const std::vector<RowOf<P>>& rows, const std::vector<P>* known) {
+  std::vector<P> records;
+  const auto take = [&](const RowOf<P>& row) {
+    const P* before = nullptr;
+    if (known) {
+      const auto found = std::ranges::find(*known, row.id, &P::id);
+      if (found != known->end()) before = &*found;
+    }
+    if (auto made = recordFromRow<P>(row, before)) records.push_back(std::move(made->record));
+  };
+  if (known) {
+    for (const P& element : *known) {
+      const auto row = std::ranges::find(rows, element.id, &RowOf<P>::id);
+      if (row != rows.end()) take(*row);
+    }
+  }
+  std::vector<const RowOf<P>*> fresh;
+  for (const RowOf<P>& row : rows)
+    if (!known || std::ranges::find(*known, row.id, &P::id) == known->end()) fresh.push_back(&row);
+  std::ranges::sort(fresh, {}, [](const RowOf<P>* row) { return std::tie(row->updatedAt, row->id); });
+  for (const RowOf<P>* row : fresh) take(*row);
+  return records;
+}
+
+template <class P>
+SBTask<void> sendPart(SyncRunPtr run, std::vector<P> wanted, std::vector<RowOf<P>> stored) {
+  std::vector<RowOf<P>> changed;
+  for (const P& element : wanted) {
+    const auto was = std::ranges::find(stored, element.id, &RowOf<P>::id);
+    RowContext context{.userID = Uuid::parse(run->userID).value_or(Uuid{}),
+                       .accountID = Uuid::parse(run->accountID).value_or(Uuid{}),
+                       .updatedAt = run->client.serverNow(),
+                       .seenVersion = 0};
+    if (was != stored.end()) {
+      const auto known = recordFromRow<P>(*was, &element);
+      if (known && known->record == element) continue;
+      context.seenVersion = was->serverVersion;
+    }
+    changed.push_back(rowFromRecord<P>(element, context, was == stored.end() ? nullptr : &*was));
+  }
+  if (!changed.empty()) {
+    const std::string body = rowsToJson(changed, run->schema.ownColumns ? RowColumns::all : RowColumns::standard);
+    const auto sent = co_await run->client.upsert(TableQuery(RowKind<P>::facts.table), QByteArray::fromStdString(body));
+    if (!sent) co_return std::unexpected(sent.error());
+    run->log.say("upsert " + std::string(RowKind<P>::facts.table) + " [" + std::to_string(changed.size()) + "]");
+  }
+  for (const RowOf<P>& row : stored) {
+    if (std::ranges::find(wanted, row.id, &P::id) != wanted.end()) continue;
+    const auto removed = co_await run->client.remove(TableQuery(RowKind<P>::facts.table).eq("id", row.id));
+    if (removed) continue;
+    run->log.say("❌ Yard delete: " + removed.error().logLine().toStdString());
+    co_return std::unexpected(removed.error());
+  }
+  co_return {};
+}
+
+template <class Row>
+void distribute(YardParts& parts, std::vector<Row> rows, std::vector<Row> YardPartRows::* list) {
+  for (Row& row : rows) (parts[row.yardPeriodId].*list).push_back(std::move(row));
+}
+
+}  // namespace
+
+SBTask<YardParts> readYardParts(SyncRunPtr run, std::vector<Uuid> periods) {
+  YardParts parts;
+  if (periods.empty()) co_return parts;
+  auto orders = co_await readPart<WorkOrder>(run, periods);
+  if (!orders) co_return std::unexpected(orders.error());
+  distribute(parts, *std::move(orders), &YardPartRows::workOrders);
+  auto punches = co_await readPart<PunchListItem>(run, periods);
+  if (!punches) co_return std::unexpected(punches.error());
+  distribute(parts, *std::move(punches), &YardPartRows::punchList);
+  auto entries = co_await readPart<YardLogEntry>(run, std::move(periods));
+  if (!entries) co_return std::unexpected(entries.error());
+  distribute(parts, *std::move(entries), &YardPartRows::logEntries);
+  co_return parts;
+}
+
+void attachParts(YardPeriod& period, const YardPartRows& parts, const YardPeriod* known) {
+  period.workOrders = recordsOf<WorkOrder>(parts.workOrders, known ? &known->workOrders : nullptr);
+  period.punchList = recordsOf<PunchListItem>(parts.punchList, known ? &known->punchList : nullptr);
+  period.logEntries = recordsOf<YardLogEntry>(parts.logEntries, known ? &known->logEntries : nullptr);
+}
+
+SBTask<void> sendYardParts(SyncRunPtr run, YardPeriod period, YardPartRows stored) {
+  auto sent = co_await sendPart<WorkOrder>(run, std::move(period.workOrders), std::move(stored.workOrders));
+  if (sent) sent = co_await sendPart<PunchListItem>(run, std::move(period.punchList), std::move(stored.punchList));
+  if (sent) sent = co_await sendPart<YardLogEntry>(run, std::move(period.logEntries), std::move(stored.logEntries));
+  co_return sent;
+}
+
+}  // namespace thalvorn

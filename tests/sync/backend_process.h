@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QStringList>
+#include <string>
+
+#include "backend/backend_config.h"
+
+namespace thalvorn {
+
+/// A backend of its own on this computer (scripts/backend), for as long as the object lives.
+class BackendProcess {
+ public:
+  explicit BackendProcess(const QStringList& options = {}) {
+    process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process_.start(QStringLiteral(THALVORN_SOURCE_DIR "/scripts/backend"),
+                   QStringList{QStringLiteral("--program"), QStringLiteral(THALVORN_DEVSERVER)} + options);
+    while (!process_.canReadLine() && process_.waitForReadyRead(120'000)) {
+    }
+    facts_ = QJsonDocument::fromJson(process_.readLine()).object();
+  }
+  ~BackendProcess() {
+    process_.terminate();
+    if (!process_.waitForFinished(20'000)) process_.kill();
+    process_.waitForFinished();
+  }
+  BackendProcess(const BackendProcess&) = delete;
+  BackendProcess& operator=(const BackendProcess&) = delete;
+
+  bool isRunning() const { return !facts_.isEmpty(); }
+  QUrl url() const { return QUrl(facts_[QStringLiteral("url")].toString()); }
+  QString key() const { return facts_[QStringLiteral("anonKey")].toString(); }
+  BackendConfig config() const { return BackendConfig::from(url().toString(), key()).value(); }
+  QString email(int account) const { return owner(account)[QStringLiteral("email")].toString(); }
+  QString password(int account) const { return owner(account)[QStringLiteral("password")].toString(); }
+  /// Gives an account a plan, which is bought and not set.
+  bool setPlan(const std::string& account, const char* plan) const {
+    return QProcess::execute(QStringLiteral("psql"),
+                             {facts_[QStringLiteral("databaseUrl")].toString(), QStringLiteral("-qc"),
+                              QStringLiteral("update public.accounts set plan = '%1' where id = '%2'")
+                                  .arg(QLatin1String(plan), QString::fromStdString(account))}) == 0;
+  }
+
+ private:
+  QJsonValue owner(int account) const { return facts_[QStringLiteral("accounts")][account]; }
+
+  QProcess process_;
+  QJsonObject facts_;
+};
+
+}  // namespace thalvorn

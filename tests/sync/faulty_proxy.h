@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QObject>
+#include <QTcpServer>
+#include <QUrl>
+#include <random>
+
+class QTcpSocket;
+
+namespace thalvorn {
+
+/// A network between a client and the backend that loses, delays, repeats and cuts what passes, by a seed.
+class FaultyProxy : public QObject {
+  Q_OBJECT
+
+ public:
+  FaultyProxy(const QUrl& server, std::uint32_t seed, QObject* parent = nullptr);
+
+  QUrl url() const;
+  /// Of a hundred requests, how many meet a fault.
+  void setFaults(int percent) { percent_ = percent; }
+  /// Nothing passes at all.
+  void setOffline(bool offline) { offline_ = offline; }
+  int requests() const { return requests_; }
+
+ private:
+  enum class Fault {
+    none,
+    lostRequest,   ///< the server never sees it
+    lostReply,     ///< the work is done, nobody hears of it
+    cutReply,      ///< half a reply
+    twice,         ///< the request arrives two times
+    unauthorized,  ///< an answer in between, in the server's place
+    conflict,
+    tooMany,
+    failure,
+    unavailable
+  };
+  struct Exchange;
+
+  Fault draw();
+  void accept();
+  void read(QTcpSocket* client);
+  void forward(QTcpSocket* client, const QByteArray& request, Fault fault);
+  void answer(QTcpSocket* client, const QByteArray& reply, Fault fault);
+
+  QTcpServer server_;
+  QUrl target_;
+  std::mt19937 random_;
+  int percent_ = 0;
+  bool offline_ = false;
+  int requests_ = 0;
+};
+
+}  // namespace thalvorn

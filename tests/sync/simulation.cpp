@@ -1,0 +1,274 @@
+#include "simulation.h"
+
+#include <QCoroFuture>
+#include <QCoroTimer>
+#include <algorithm>
+#include <filesystem>
+
+#include "backend/next_emission.h"
+
+namespace thalvorn {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kMostFaults = 25;  ///< of a hundred requests
+constexpr int kSettlingRounds = 12;
+const QString kPassword = QStringLiteral("Fair-Winds-7");
+
+template <class T>
+std::map<std::string, std::string> listed(const AppViewModel& model) {
+  std::map<std::string, std::string> records;
+  for (const T& record : model.collection<T>().records())
+    records[std::string(RecordKind<T>::facts.table) + ' ' + record.id.toString()] = toJson(record, JsonFields::full);
+  return records;
+}
+
+std::map<std::string, std::string> everything(const AppViewModel& model) {
+  std::map<std::string, std::string> all;
+  forEachKind([&]<class T>(std::type_identity<T>) {
+    if constexpr (!std::is_same_v<T, AccountMember>) all.merge(listed<T>(model));
+  });
+  return all;
+}
+
+/// What was entered is on disk: only then does anybody owe it.
+QCoro::Task<void> untilSaved(Saving saving) { co_await saving; }
+void saved(Saving saving) { finished(untilSaved(std::move(saving))); }
+
+QCoro::Task<SyncOutcome> syncWhenFree(CloudSession* cloud) {
+  SyncManager& sync = cloud->sync();
+  while (sync.isSyncing()) co_await nextEmission(&sync, &SyncManager::stateChanged, 60s);
+  co_return co_await sync.syncAll(true);
+}
+
+/// Tokens are marked off, so that "e1" is not found in "e12".
+std::string marked(int number) { return "[e" + std::to_string(number) + "]"; }
+
+}  // namespace
+
+QCoro::Task<void> HastyTiming::wait(std::chrono::milliseconds duration) {
+  elapsed_ += duration;
+  QTimer timer;
+  timer.setSingleShot(true);
+  timer.start(0);
+  co_await timer;
+}
+
+// ---- a client
+// ---------------------------------------------------------------------------------------------------------------
+
+SimulatedClient::SimulatedClient(const BackendProcess& backend, QString user, std::chrono::seconds clockError,
+                                 std::uint32_t seed)
+    : proxy(backend.url(), seed),
+      email(std::move(user)),
+      backend_(backend),
+      clock_(Timestamp{}),
+      clockError_(clockError) {
+  start();
+}
+
+void SimulatedClient::start() {
+  clock_.set(SystemClock().now() + clockError_);
+  cache_ = LocalCache::open(std::filesystem::path(folder_.path().toStdString()) / "store.db").value();
+  model = std::make_unique<AppViewModel>(*cache_, clock_);
+  cloud = std::make_unique<CloudSession>(*model, BackendConfig::from(proxy.url().toString(), backend_.key()).value(),
+                                         clock_, timing_, SyncManager::Options{.deletionDelay = 0s});
+  if (!cloud->userID().isEmpty()) model->reloadNow(cloud->userID().toStdString());
+}
+
+void SimulatedClient::kill() {
+  cloud.reset();
+  model.reset();
+  cache_.reset();
+}
+
+bool SimulatedClient::signIn() {
+  if (const auto signedIn = finished(cloud->signIn(email, kPassword)); !signedIn) return false;
+  return !model->accountID().empty();
+}
+
+// ---- the course of it
+// -------------------------------------------------------------------------------------------------------
+
+Simulation::Simulation(const BackendProcess& backend, std::uint32_t seed)
+    : backend_(backend), seed_(seed), random_(seed), vessel_(Uuid::random()) {}
+
+std::vector<std::string> Simulation::run(int steps) {
+  if (!enter()) return {"seed " + std::to_string(seed_) + ": the crew could not sign in"};
+  for (int i = 0; i < steps; ++i) step();
+  settle();
+  compare();
+  checkTokens();
+  return faults_;
+}
+
+bool Simulation::enter() {
+  const auto address = [this](const char* who) {
+    return QStringLiteral("%1-%2-%3@example.com")
+        .arg(QLatin1String(who))
+        .arg(seed_)
+        .arg(QString::fromStdString(vessel_.toString()));
+  };
+  for (const char* who : {"captain", "engineer"}) {
+    clients_.push_back(
+        std::make_unique<SimulatedClient>(backend_, address(who), std::chrono::seconds(number(600) - 300), random_()));
+    clients_.back()->name = who;
+    if (clients_.size() == 2 &&
+        !finished(clients_[0]->cloud->invite(clients_[1]->email, QStringLiteral("Engineer"), TeamRole::editor)))
+      return false;
+    if (!finished(clients_.back()->cloud->signUp(clients_.back()->email, kPassword))) return false;
+    // Seats are bought, which a test does in the database's stead.
+    if (clients_.size() == 1 && !backend_.setPlan(clients_[0]->model->accountID(), "fleet")) return false;
+    if (clients_.size() == 1) finished(clients_[0]->cloud->refreshAccount());
+  }
+  clients_.push_back(std::make_unique<SimulatedClient>(backend_, address("captain"),
+                                                       std::chrono::seconds(number(600) - 300), random_()));
+  clients_.back()->name = "captain's second computer";
+  if (!clients_.back()->signIn()) return false;
+  if (clients_[1]->model->accountID() != clients_[0]->model->accountID()) return false;
+  saved(clients_[0]->model->add(Vessel{.id = vessel_, .name = "M/Y Meridian", .engineHours = 100}));
+  finished(syncWhenFree(clients_[0]->cloud.get()));
+  for (const auto& client : clients_) client->proxy.setFaults(number(kMostFaults + 1));
+  return true;
+}
+
+void Simulation::step() {
+  if (std::getenv("THALVORN_TRACE")) {
+    std::string state;
+    for (const auto& each : clients_) {
+      state += "\n  " + each->name + (each->isRunning() ? ":" : " (off)");
+      if (each->isRunning())
+        for (const auto& [key, json] : everything(*each->model)) state += "\n    " + key + " " + json;
+    }
+    std::fprintf(stderr, "step%s\n", state.c_str());
+  }
+  SimulatedClient& client = *clients_[static_cast<std::size_t>(number(static_cast<int>(clients_.size())))];
+  const int what = number(20);
+  if (!client.isRunning()) {
+    client.start();
+  } else if (what < 11) {
+    edit(client);
+  } else if (what < 15) {
+    finished(client.cloud->sync().syncAll());
+  } else if (what < 17) {
+    finished(client.cloud->sync().pushChanges());
+  } else if (what == 17) {
+    client.proxy.setOffline(number(2) == 0);
+  } else {
+    // In the middle of a run, after a few turns of the loop.
+    client.cloud->sync().fullSync();
+    for (int turn = number(60); turn > 0; --turn) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+    client.kill();
+  }
+}
+
+std::string Simulation::newToken(const SimulatedClient& client, const std::string& what) {
+  std::string token = marked(++edits_);
+  owed_[token] = client.name + ": " + what;
+  return token;
+}
+
+void Simulation::supersede(const std::string& text) {
+  for (auto token = owed_.begin(); token != owed_.end();)
+    token = text.find(token->first) == std::string::npos ? std::next(token) : owed_.erase(token);
+}
+
+void Simulation::edit(SimulatedClient& client) {
+  AppViewModel& model = *client.model;
+  const auto tasks = model.tasks().records();
+  const int what = number(12);
+  const auto any = [&] { return tasks[static_cast<std::size_t>(number(static_cast<int>(tasks.size())))]; };
+  if (tasks.empty() || what < 3) {
+    MaintenanceTask task{.id = Uuid::random(), .vesselID = vessel_};
+    task.title = newToken(client, "new task " + task.id.toString());
+    saved(model.add(task));
+  } else if (what < 9) {
+    changeTask(client, any());
+  } else if (what == 9) {
+    const MaintenanceTask task = any();
+    supersede(toJson(task, JsonFields::full));
+    deleted_.insert(task.id);
+    saved(model.remove<MaintenanceTask>(task.id));
+  } else if (what == 10 && model.vessels().find(vessel_)) {
+    Vessel vessel = *model.vessels().find(vessel_);
+    vessel.engineHours += number(50);
+    supersede(vessel.notes);
+    vessel.notes = newToken(client, "vessel notes over " + vessel.notes);
+    saved(model.update(vessel));
+  } else {
+    ServiceLog log;
+    log.id = Uuid::random();
+    log.vesselID = vessel_;
+    log.taskID = any().id;
+    log.technicianNotes = newToken(client, "log " + log.id.toString());
+    log.completedDate = model.now();
+    saved(model.add(log));
+  }
+}
+
+void Simulation::changeTask(SimulatedClient& client, MaintenanceTask task) {
+  std::string& field = number(3) == 0 ? task.title : task.notes;
+  supersede(field);
+  field = newToken(client, "task " + task.id.toString() + " over " + field);
+  if (number(4) == 0) task.priority = task.priority == TaskPriority::high ? TaskPriority::low : TaskPriority::high;
+  saved(client.model->update(task));
+}
+
+// ---- the end
+// ------------------------------------------------------------------------------------------------------------------
+
+void Simulation::settle() {
+  for (const auto& client : clients_) {
+    client->proxy.setFaults(0);
+    client->proxy.setOffline(false);
+    if (!client->isRunning()) client->start();
+    if (client->cloud->needsSignIn()) client->signIn();
+  }
+  for (int round = 0; round < kSettlingRounds; ++round) {
+    bool settled = true;
+    for (const auto& client : clients_) {
+      const SyncOutcome outcome = finished(syncWhenFree(client->cloud.get()));
+      settled = settled && outcome == SyncOutcome::complete && client->model->dirtyCount() == 0;
+    }
+    if (settled && round > 0) return;
+  }
+  for (const auto& client : clients_) {
+    std::string what = "does not settle: " + std::to_string(client->model->dirtyCount()) + " wait";
+    for (const SyncProblem& problem : client->cloud->sync().problems())
+      what += "; " + problem.table + " " + problem.record + ": " + problem.text;
+    faults_.push_back(std::move(what));
+  }
+}
+
+void Simulation::compare() {
+  // What a new computer sees is what the server holds.
+  SimulatedClient fresh(backend_, clients_[0]->email, 0s, 1);
+  if (!fresh.signIn() || finished(syncWhenFree(fresh.cloud.get())) != SyncOutcome::complete) {
+    faults_.push_back("a new computer cannot read the account");
+    return;
+  }
+  const auto server = everything(*fresh.model);
+  for (std::size_t i = 0; i < clients_.size(); ++i) {
+    const auto here = everything(*clients_[i]->model);
+    if (here == server) continue;
+    for (const auto& [key, json] : server)
+      if (const auto own = here.find(key); own == here.end() || own->second != json)
+        faults_.push_back("client " + std::to_string(i) + " has " + (own == here.end() ? "nothing" : own->second) +
+                          " for " + key + " " + json);
+    for (const auto& [key, json] : here)
+      if (!server.contains(key)) faults_.push_back("only client " + std::to_string(i) + " has " + key + " " + json);
+  }
+}
+
+void Simulation::checkTokens() {
+  std::string all;
+  for (const auto& [key, json] : everything(*clients_[0]->model)) all += json + "\n";
+  for (const auto& [token, what] : owed_)
+    if (all.find(token) == std::string::npos) faults_.push_back("lost " + token + ", " + what);
+  if (!faults_.empty() && std::getenv("THALVORN_TRACE")) std::fprintf(stderr, "at the end\n%s\n", all.c_str());
+  for (const Uuid& id : deleted_)
+    if (clients_[0]->model->tasks().find(id)) faults_.push_back("came back: task " + id.toString());
+}
+
+}  // namespace thalvorn

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QCoroTask>
+#include <QTemporaryDir>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "backend_process.h"
+#include "faulty_proxy.h"
+#include "sync/cloud_session.h"
+
+namespace thalvorn {
+
+/// Waits end at the next turn of the event loop: what is tried is the order of things, not their pace.
+class HastyTiming : public Timing {
+ public:
+  std::chrono::milliseconds elapsed() const override { return elapsed_; }
+  QCoro::Task<void> wait(std::chrono::milliseconds duration) override;
+
+ private:
+  std::chrono::milliseconds elapsed_{0};
+};
+
+/// Runs the event loop until the task is over.
+template <class T>
+T finished(QCoro::Task<T> task) {
+  return QCoro::waitFor(std::move(task));
+}
+
+/// One computer with its own store, clock and way to the backend.
+class SimulatedClient {
+ public:
+  SimulatedClient(const BackendProcess& backend, QString email, std::chrono::seconds clockError, std::uint32_t seed);
+
+  ~SimulatedClient() { kill(); }
+
+  /// Starts the program: opens the store and the fleet of who is signed in.
+  void start();
+  /// Ends it wherever it is.
+  void kill();
+  bool isRunning() const { return cloud != nullptr; }
+  bool signIn();
+
+  FaultyProxy proxy;
+  std::unique_ptr<AppViewModel> model;
+  std::unique_ptr<CloudSession> cloud;
+  const QString email;
+  std::string name;
+
+ private:
+  const BackendProcess& backend_;
+  QTemporaryDir folder_;
+  FixedClock clock_;
+  std::chrono::seconds clockError_;
+  HastyTiming timing_;
+  std::unique_ptr<LocalCache> cache_;
+};
+
+/// Several clients of one account that work, lose the network, are killed and come back, as a seed has it. At the end
+/// everything must agree, and every edit must be there or in the conflict history.
+class Simulation {
+ public:
+  Simulation(const BackendProcess& backend, std::uint32_t seed);
+
+  /// What is wrong at the end; empty when all is well.
+  std::vector<std::string> run(int steps);
+
+ private:
+  bool enter();
+  void step();
+  void edit(SimulatedClient& client);
+  void changeTask(SimulatedClient& client, MaintenanceTask task);
+  std::string newToken(const SimulatedClient& client, const std::string& what);
+  void supersede(const std::string& text);
+  void settle();
+  void compare();
+  void checkTokens();
+  int number(int below) { return static_cast<int>(random_() % static_cast<unsigned>(below)); }
+
+  const BackendProcess& backend_;
+  std::uint32_t seed_;
+  std::mt19937 random_;
+  std::vector<std::unique_ptr<SimulatedClient>> clients_;
+  Uuid vessel_;
+  int edits_ = 0;
+  /// What was entered, and has not been replaced by someone who saw it: by token, where.
+  std::map<std::string, std::string> owed_;
+  std::set<Uuid> deleted_;  ///< by someone who meant it
+  std::vector<std::string> faults_;
+};
+
+}  // namespace thalvorn
