@@ -16,7 +16,8 @@
 
 namespace thalvorn {
 class AppViewModel;
-}
+class CloudSession;
+}  // namespace thalvorn
 
 /// The command line as functions over the store: what a command is, what it is given and what it gives back. The same
 /// commands run in a process of their own and in the window that holds the store.
@@ -39,6 +40,12 @@ inline CommandResult refused(std::string message) { return {kRefused, {}, std::m
 /// The line was not understood; whoever runs the command adds its usage.
 inline CommandResult misused(std::string message) { return {kUsage, {}, std::move(message) + "\n"}; }
 
+/// Why there is no fleet server to speak with.
+inline constexpr std::string_view kNoServer =
+    "No fleet server is set up on this computer. Name one with --backend URL --key KEY, or with THALVORN_BACKEND_URL "
+    "and "
+    "THALVORN_BACKEND_KEY.";
+
 /// The words of a command line, sorted by the command's own table of options.
 struct Arguments {
   std::vector<std::string> operands;
@@ -54,6 +61,8 @@ struct Arguments {
 /// What a command works on. The store is loaded for the user whose records are asked for.
 struct CommandContext {
   AppViewModel* store = nullptr;
+  CloudSession* cloud = nullptr;  ///< the fleet server; null when none is set up, or the command needs none
+  std::string cloudProblem;       ///< why it is null, as a sentence
   Timestamp now;
   Calendar calendar = Calendar::utc();
   bool json = false;
@@ -96,6 +105,7 @@ struct Command {
   std::string_view onlyPrefix = {};  ///< the user it works on whatever `--user` says; empty for most
   Input input = Input::never;
   bool drawsPages = false;  ///< needs the typefaces of a QGuiApplication
+  bool usesCloud = false;   ///< speaks with the fleet server
   std::string_view summary;
   std::string_view details;
   QCoro::Task<CommandResult> (*run)(CommandContext, Arguments);

@@ -14,6 +14,8 @@ constexpr std::array kGlobalOptions{
     Option{"--store", "FILE", "the store's file; without it the one in the user's data folder"},
     Option{"--user", "ID", "whose records: a user's id, local (kept on this computer only) or demo"},
     Option{"--at", "TIME", "as of that moment: 2026-01-31, \"2026-01-31 08:00\" or 2026-01-31T08:00:00Z"},
+    Option{"--backend", "URL", "the fleet server; without it THALVORN_BACKEND_URL or the deployment file tells"},
+    Option{"--key", "KEY", "the fleet server's public key"},
     Option{"--json", "", "print JSON instead of tables"},
     Option{"--help", "", "print help"},
     Option{"--version", "", "print the program's version"},
@@ -94,6 +96,8 @@ class Sorter {
     line_.storeFile = takeGlobal("--store");
     line_.user = takeGlobal("--user");
     line_.at = takeGlobal("--at");
+    line_.backend = takeGlobal("--backend");
+    line_.backendKey = takeGlobal("--key");
     line_.json = takeGlobal("--json").has_value();
     const bool version = takeGlobal("--version").has_value();
     if (takeGlobal("--help") || helpAsked_) {

@@ -16,9 +16,11 @@ struct CommandLine {
   Ask ask = Ask::run;
   const Command* command = nullptr;  ///< null for the help overview and the version
   Arguments arguments;
-  std::optional<std::string> storeFile;  ///< `--store`
-  std::optional<std::string> user;       ///< `--user`
-  std::optional<std::string> at;         ///< `--at`, as written
+  std::optional<std::string> storeFile;   ///< `--store`
+  std::optional<std::string> user;        ///< `--user`
+  std::optional<std::string> at;          ///< `--at`, as written
+  std::optional<std::string> backend;     ///< `--backend`: the address of the fleet server
+  std::optional<std::string> backendKey;  ///< `--key`: its public key
   bool json = false;
 
   bool wantsInput() const;

@@ -25,6 +25,15 @@ QCoro::Task<CommandResult> importHistory(CommandContext context, Arguments argum
 QCoro::Task<CommandResult> showHistory(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> writeReport(CommandContext context, Arguments arguments);
 
+// The fleet shared through the fleet server.
+QCoro::Task<CommandResult> signIn(CommandContext context, Arguments arguments);
+QCoro::Task<CommandResult> signOut(CommandContext context, Arguments arguments);
+QCoro::Task<CommandResult> syncFleet(CommandContext context, Arguments arguments);
+QCoro::Task<CommandResult> showAccount(CommandContext context, Arguments arguments);
+QCoro::Task<CommandResult> inviteMember(CommandContext context, Arguments arguments);
+QCoro::Task<CommandResult> showConflicts(CommandContext context, Arguments arguments);
+QCoro::Task<CommandResult> showStatus(CommandContext context, Arguments arguments);
+
 // The store's file.
 QCoro::Task<CommandResult> fillDemo(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> checkStore(CommandContext context, Arguments arguments);

@@ -10,6 +10,8 @@
 #include "cli/values.h"
 #include "store/app_view_model.h"
 #include "store/preferences.h"
+#include "sync/cloud_session.h"
+#include "sync/deployment.h"
 
 namespace thalvorn::cli {
 
@@ -54,17 +56,34 @@ QCoro::Task<CommandResult> runCommand(const Command* command, CommandContext con
 
 namespace {
 
-CommandResult runOnStore(const CommandLine& line, LocalCache& cache, const FixedClock& clock, CommandContext context) {
+CommandResult runOnStore(const CommandLine& line, LocalCache& cache, const Clock& clock, CommandContext context) {
   const Command& command = *line.command;
   AppViewModel store(cache, clock);
   context.store = &store;
   if (command.access != Access::upkeep) store.reloadNow(choosePrefix(cache, line));
   if (!store.loadProblem().empty()) return refused(store.loadProblem());
+  SystemTiming timing;
+  std::unique_ptr<CloudSession> cloud;
+  if (command.usesCloud) {
+    const auto server = deployedBackend({.url = QString::fromStdString(line.backend.value_or("")),
+                                         .key = QString::fromStdString(line.backendKey.value_or(""))});
+    if (!server) {
+      context.cloudProblem = server.error().toStdString();
+    } else if (!*server) {
+      context.cloudProblem = std::string(kNoServer);
+    } else {
+      // What a command deletes is meant; nobody takes it back within the next seconds.
+      cloud = std::make_unique<CloudSession>(store, **server, clock, timing,
+                                             SyncManager::Options{.deletionDelay = std::chrono::seconds(0)});
+      cloud->restore();
+      context.cloud = cloud.get();
+    }
+  }
   return QCoro::waitFor(runCommand(&command, std::move(context), line.arguments));
 }
 
 /// What the command finds in a store that nobody has made yet.
-CommandResult runOnEmptyStore(const CommandLine& line, const FixedClock& clock, CommandContext context) {
+CommandResult runOnEmptyStore(const CommandLine& line, const Clock& clock, CommandContext context) {
   const QTemporaryDir folder;
   const auto cache = LocalCache::open(QFile::encodeName(folder.filePath(QStringLiteral("empty.db"))).toStdString());
   if (!cache) return refused(cache.error().message);
@@ -94,7 +113,8 @@ CommandResult runInThisProcess(const CommandLine& line, const Surroundings& surr
     return QCoro::waitFor(runCommand(&command, context, line.arguments));
 
   const auto cache = LocalCache::open(surroundings.storeFile, {.create = command.createsStore});
-  if (cache) return runOnStore(line, **cache, fixed, std::move(context));
+  const Clock& clock = *at ? static_cast<const Clock&>(fixed) : system;
+  if (cache) return runOnStore(line, **cache, clock, std::move(context));
   if (cache.error().kind == CacheError::Kind::notFound && command.access == Access::reads)
     return runOnEmptyStore(line, fixed, std::move(context));
   return refused(cache.error().message);

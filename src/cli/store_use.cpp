@@ -3,8 +3,9 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <QCoroSignal>
+#include <QCoroFuture>
 
+#include "backend/next_emission.h"
 #include "cli/values.h"
 
 namespace thalvorn::cli {
@@ -22,7 +23,7 @@ QCoro::Task<std::expected<void, CommandResult>> whenSaved(CommandContext context
           context.inWindow ? "It is not saved yet; the window keeps it and tries again." : "Nothing was changed.";
       co_return Outcome(std::unexpect, refused(fmt::format("{} {}", problem, then)));
     }
-    const auto changed = co_await qCoro(context.store, &AppViewModel::unsavedChanged, kSavingPatience);
+    const auto changed = co_await nextEmission(context.store, &AppViewModel::unsavedChanged, kSavingPatience);
     if (!changed && !saving.isFinished())
       co_return Outcome(std::unexpect,
                         refused("The disk does not answer; it is not certain that the change is saved."));

@@ -2,11 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <QCoroSignal>
+#include <QCoroFuture>
 #include <chrono>
 #include <memory>
 #include <utility>
 
+#include "backend/next_emission.h"
 #include "cli/store_use.h"
 
 namespace thalvorn::cli {
@@ -62,6 +63,8 @@ QCoro::Task<CommandReply> WindowCommands::run(CommandRequest request) {
   if (request.now) at = *request.now;
 
   const CommandContext context{.store = &window_,
+                               .cloud = cloud_,
+                               .cloudProblem = cloud_ ? "" : "The program's window works without a fleet server.",
                                .now = at->value_or(window_.now()),
                                .calendar = calendar,
                                .json = line->json,
@@ -71,7 +74,7 @@ QCoro::Task<CommandReply> WindowCommands::run(CommandRequest request) {
                                .storeFile = window_.cache().file()};
   const std::string prefix = choosePrefix(window_.cache(), *line);
   while (window_.isReloading()) {
-    const auto loaded = co_await qCoro(&window_, &AppViewModel::reloaded, kPatience);
+    const auto loaded = co_await nextEmission(&window_, &AppViewModel::reloaded, kPatience);
     if (!loaded) co_return reply(refused("The window is still reading its records. Try again later."), &command);
   }
   if (command.access != Access::upkeep && !window_.loadProblem().empty())
@@ -85,7 +88,7 @@ QCoro::Task<CommandReply> WindowCommands::run(CommandRequest request) {
 
 QCoro::Task<CommandResult> WindowCommands::runBeside(CommandLine line, CommandContext context, std::string prefix) {
   while (besideBusy_) {
-    const auto turn = co_await qCoro(this, &WindowCommands::freed, kPatience);
+    const auto turn = co_await nextEmission(this, &WindowCommands::freed, kPatience);
     if (!turn && besideBusy_) co_return refused("An earlier command still runs. Try again later.");
   }
   besideBusy_ = true;
@@ -102,6 +105,8 @@ QCoro::Task<CommandResult> WindowCommands::runBeside(CommandLine line, CommandCo
   co_await other->store.reloadForUser(prefix);
   if (!other->store.loadProblem().empty()) co_return refused(other->store.loadProblem());
   context.store = &other->store;
+  context.cloud = nullptr;
+  context.cloudProblem = "The program's window has another fleet open.";
   context.inWindow = false;
   CommandResult result = co_await runCommand(line.command, context, line.arguments);
   if (edits && prefix == window_.prefix()) co_await window_.reloadForUser(prefix);
@@ -114,7 +119,7 @@ QCoro::Task<std::expected<void, CommandResult>> WindowCommands::windowSaved() {
     if (!window_.saveProblem().empty())
       co_return Outcome(std::unexpect, refused(fmt::format("The window has changes that are not saved yet: {}",
                                                            window_.saveProblem())));
-    const auto changed = co_await qCoro(&window_, &AppViewModel::unsavedChanged, kPatience);
+    const auto changed = co_await nextEmission(&window_, &AppViewModel::unsavedChanged, kPatience);
     if (!changed && window_.unsavedCount() > 0)
       co_return Outcome(std::unexpect, refused("The window’s changes are not saved yet. Try again later."));
   }

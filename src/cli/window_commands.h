@@ -19,6 +19,9 @@ class WindowCommands : public QObject {
   /// `window` is the store that the window shows; it must outlive this object.
   explicit WindowCommands(AppViewModel& window, QObject* parent = nullptr);
 
+  /// The fleet server that the window speaks with; null for none. It must outlive the commands.
+  void setCloud(CloudSession* cloud) { cloud_ = cloud; }
+
   /// From now on takes the commands that come over the window's socket. This object must outlive `instance`, or at
   /// least its running commands.
   void serve(SingleInstance& instance);
@@ -34,6 +37,7 @@ class WindowCommands : public QObject {
   QCoro::Task<std::expected<void, CommandResult>> windowSaved();
 
   AppViewModel& window_;
+  CloudSession* cloud_ = nullptr;
   bool besideBusy_ = false;
 };
 
