@@ -41,6 +41,12 @@ void AppController::setPhase(const QString& phase) {
   Q_EMIT phaseChanged();
 }
 
+void AppController::setDrawn() {
+  if (drawn_) return;
+  drawn_ = true;
+  Q_EMIT drawnChanged();
+}
+
 void AppController::setAppearance(const QString& appearance) {
   if (appearance == appearance_) return;
   preferences_.setPreference(appearanceKey(), appearance);

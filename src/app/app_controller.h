@@ -21,6 +21,7 @@ class PreferenceStore {
 class AppController : public QObject {
   Q_OBJECT
   Q_PROPERTY(QString phase READ phase NOTIFY phaseChanged)
+  Q_PROPERTY(bool drawn READ drawn NOTIFY drawnChanged)
   Q_PROPERTY(QString appearance READ appearance WRITE setAppearance NOTIFY appearanceChanged)
   Q_PROPERTY(bool dark READ dark NOTIFY darkChanged)
   Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged)
@@ -42,6 +43,9 @@ class AppController : public QObject {
   /// "welcome" until a fleet is chosen, "loading" while its records are read, then "ready".
   QString phase() const { return phase_; }
   void setPhase(const QString& phase);
+  /// The window has shown its first picture; what that did not need is made now.
+  bool drawn() const { return drawn_; }
+  void setDrawn();
 
   /// "system", "light" or "dark"; kept under "thalvorn.appearance".
   QString appearance() const { return appearance_; }
@@ -94,6 +98,7 @@ class AppController : public QObject {
 
  Q_SIGNALS:
   void phaseChanged();
+  void drawnChanged();
   void appearanceChanged();
   void darkChanged();
   void reducedMotionChanged();
@@ -111,6 +116,7 @@ class AppController : public QObject {
 
   PreferenceStore& preferences_;
   QString phase_ = QStringLiteral("loading");
+  bool drawn_ = false;
   QString problem_;
   QString appearance_;
   bool desktopDark_ = false;

@@ -204,13 +204,15 @@ bool Composition::show() {
     memory_ = std::make_unique<WindowMemory>(*window_, *preferences_);
     // The window shows first; the records are read behind its first picture.
     if (session_)
-      connect(window_, &QQuickWindow::frameSwapped, this, &Composition::startReading, Qt::SingleShotConnection);
+      connect(window_, &QQuickWindow::frameSwapped, this, &Composition::startReading,
+              static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
   }
   window_->show();
   return true;
 }
 
 void Composition::startReading() {
+  app_->setDrawn();
   const std::string prefix = options_.demo ? std::string(AppViewModel::demoPrefix) : session_->startingPrefix();
   if (options_.pictured()) {
     session_->openFleetNow(prefix.empty() ? std::string(AppViewModel::demoPrefix) : prefix);

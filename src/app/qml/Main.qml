@@ -25,7 +25,7 @@ T.ApplicationWindow {
     onClosing: (close) => {
         if ((Fleet.saveError.length > 0 || sheets.dirty) && !leaving) {
             close.accepted = false;
-            quitDialog.open();
+            quitDialog.made().open();
         }
     }
 
@@ -44,6 +44,7 @@ T.ApplicationWindow {
 
     PageStack {
         id: pages
+        ready: App.drawn
         visible: App.phase === "ready" || App.phase === "loading"
         anchors.top: parent.top
         anchors.bottom: parent.bottom
@@ -100,21 +101,31 @@ T.ApplicationWindow {
         }
     }
 
-    SearchPopup { id: search }
-    HelpPanel { id: help; page: pages.current }
-    AboutDialog { id: about }
-    ShortcutsDialog { id: shortcuts }
+    // Made when they are first asked for: the window's first picture does not wait for them.
+    component OnDemand: Loader {
+        active: false
+        function made() {
+            active = true;
+            return item;
+        }
+    }
+    OnDemand { id: search; sourceComponent: SearchPopup {} }
+    OnDemand { id: help; sourceComponent: HelpPanel { page: pages.current } }
+    OnDemand { id: about; sourceComponent: AboutDialog {} }
+    OnDemand { id: shortcuts; sourceComponent: ShortcutsDialog {} }
     SheetHost { id: sheets }
-    ConfirmDialog {
+    OnDemand {
         id: quitDialog
-        title: "Quit with unsaved changes?"
-        text: (sheets.dirty ? "What you entered in the open form has not been saved. " : "")
-              + (Fleet.saveError.length > 0 ? Fleet.saveText + ". " + Fleet.saveError : "")
-        confirmText: "Quit and lose them"
-        cancelText: "Stay"
-        onConfirmed: {
-            window.leaving = true;
-            window.close();
+        sourceComponent: ConfirmDialog {
+            title: "Quit with unsaved changes?"
+            text: (sheets.dirty ? "What you entered in the open form has not been saved. " : "")
+                  + (Fleet.saveError.length > 0 ? Fleet.saveText + ". " + Fleet.saveError : "")
+            confirmText: "Quit and lose them"
+            cancelText: "Stay"
+            onConfirmed: {
+                window.leaving = true;
+                window.close();
+            }
         }
     }
 
@@ -127,11 +138,11 @@ T.ApplicationWindow {
         }
         function onNotification(name) {
             switch (name) {
-            case "openSearch": search.open(); break;
-            case "openHelp": help.showPage(); break;
-            case "openStatusHelp": help.showStatus(); break;
-            case "openShortcuts": shortcuts.open(); break;
-            case "openAbout": about.open(); break;
+            case "openSearch": search.made().open(); break;
+            case "openHelp": help.made().showPage(); break;
+            case "openStatusHelp": help.made().showStatus(); break;
+            case "openShortcuts": shortcuts.made().open(); break;
+            case "openAbout": about.made().open(); break;
             case "openHoursEditor": if (Maintenance.hasVessel) App.openSheet("maintenance/HoursSheet.qml"); break;
             case "goBack": App.back(); break;
             case "undoRequested": App.toast(Fleet.undoLast()); break;
@@ -147,7 +158,8 @@ T.ApplicationWindow {
     Connections {
         target: Search
         function onChosen(page, args, notification) {
-            search.close();
+            if (search.item)
+                search.item.close();
             if (notification)
                 App.post(notification);
             else

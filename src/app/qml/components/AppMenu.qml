@@ -8,6 +8,9 @@ T.Menu {
 
     property real minimumWidth: 200
 
+    // Before the menu shows: the time to make its entries where they are many.
+    signal fillRequested
+
     function widest() {
         let wide = minimumWidth;
         for (let i = 0; i < count; ++i)
@@ -20,7 +23,10 @@ T.Menu {
     padding: 6
     margins: Theme.space2
     overlap: 2
-    onAboutToShow: implicitWidth = widest() + leftPadding + rightPadding
+    onAboutToShow: {
+        fillRequested();
+        implicitWidth = widest() + leftPadding + rightPadding;
+    }
 
     delegate: AppMenuItem {}
 

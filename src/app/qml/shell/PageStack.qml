@@ -5,6 +5,9 @@ import Thalvorn
 FocusScope {
     id: root
 
+    // Pages wait until the shell has been drawn once; before that there is nothing for them to show.
+    property bool ready: false
+
     readonly property Item current: {
         for (let i = 0; i < repeater.count; ++i) {
             const loader = repeater.itemAt(i);
@@ -27,18 +30,20 @@ FocusScope {
         delegate: Loader {
             required property var modelData
             readonly property bool shown: App.page === modelData.id
+            readonly property bool wanted: shown && root.ready
             readonly property var args: shown ? App.pageArguments : null
 
             anchors.fill: parent
             visible: shown
             focus: shown
             onShownChanged: take()
+            onWantedChanged: take()
             onArgsChanged: give()
             onLoaded: give()
             Component.onCompleted: take()
 
             function take() {
-                if (shown && source.toString() === "")
+                if (wanted && source.toString() === "")
                     source = modelData.source;
                 if (item)
                     item.current = shown;

@@ -52,7 +52,10 @@ T.MenuBar {
             required property var modelData
             minimumWidth: 230
             title: modelData.title
+            onFillRequested: entries.active = true
             Instantiator {
+                id: entries
+                active: false
                 model: menu.modelData.items
                 delegate: AppMenuItem {
                     required property var modelData
