@@ -94,15 +94,11 @@ enum class ISMCheckTypeLegacy : std::uint8_t {
   customCheck
 };
 
-/// The built-in check that each type but the last stands for, by position in `kBuiltInISMChecks`. The types were
-/// declared in another order than the library lists its checks.
-inline constexpr std::array<std::size_t, 16> kLegacyISMCheckPositions{0, 1, 2,  3,  4,  5,  6,  9,
-                                                                      7, 8, 13, 10, 11, 12, 14, 15};
-
-/// The built-in check that a type stands for; null for `customCheck`.
+/// The built-in check that a type stands for: the one at the same position, whatever the case is called. Null for
+/// `customCheck`.
 constexpr const BuiltInISMCheck* builtInCheckOf(ISMCheckTypeLegacy type) {
   const auto index = static_cast<std::size_t>(type);
-  return index < kLegacyISMCheckPositions.size() ? &kBuiltInISMChecks[kLegacyISMCheckPositions[index]] : nullptr;
+  return index < kBuiltInISMChecks.size() ? &kBuiltInISMChecks[index] : nullptr;
 }
 
 /// A type displays as the title of its built-in check.
@@ -115,10 +111,9 @@ struct EnumTexts<ISMCheckTypeLegacy> {
         "safetyBriefing",     "internalAudit",      "nonConformity",       "riskAssessment", "emergencyContact",
         "sewagePollution",    "customCheck"};
     return [&]<std::size_t... I>(std::index_sequence<I...>) {
-      return std::array<EnumText, 17>{EnumText{raw[I], I < kLegacyISMCheckPositions.size()
-                                                           ? builtInCheckOf(static_cast<ISMCheckTypeLegacy>(I))->title
-                                                           : std::string_view("Custom Check")}...};
-    }(std::make_index_sequence<17>{});
+      return std::array<EnumText, 17>{EnumText{
+          raw[I], I < kBuiltInISMChecks.size() ? kBuiltInISMChecks[I].title : std::string_view("Custom Check")}...};
+    }(std::make_index_sequence<raw.size()>{});
   }();
 };
 

@@ -6,6 +6,7 @@
 #include "base/json.h"
 #include "base/timestamp.h"
 #include "base/uuid.h"
+#include "operations/position_facts.h"
 
 namespace thalvorn {
 
@@ -28,20 +29,7 @@ template <>
 struct RecordFacts<SavedWaypoint> {
   static constexpr std::array facts{
       FieldFacts{.name = "name", .label = "Name", .placeholder = "e.g. Bimini Big Game Club", .required = true},
-      FieldFacts{.name = "latitude",
-                 .label = "Latitude",
-                 .placeholder = "26.0089 or 26°00'32\"N",
-                 .decimals = 6,
-                 .minimum = -90,
-                 .maximum = 90,
-                 .required = true},
-      FieldFacts{.name = "longitude",
-                 .label = "Longitude",
-                 .placeholder = "-80.1234 or 80°07'24\"W",
-                 .decimals = 6,
-                 .minimum = -180,
-                 .maximum = 180,
-                 .required = true},
+      kLatitudeFacts, kLongitudeFacts,
       FieldFacts{.name = "notes",
                  .label = "Notes",
                  .placeholder = "e.g. Visa-on-arrival; call Harbour Master VHF 16",

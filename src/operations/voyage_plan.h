@@ -8,6 +8,7 @@
 #include "base/json.h"
 #include "base/timestamp.h"
 #include "base/uuid.h"
+#include "operations/position_facts.h"
 
 namespace thalvorn {
 
@@ -78,21 +79,7 @@ THALVORN_JSON_RECORD(VoyagePlan);
 
 template <>
 struct RecordFacts<Waypoint> {
-  static constexpr std::array facts{FieldFacts{.name = "name", .label = "Name"},
-                                    FieldFacts{.name = "latitude",
-                                               .label = "Latitude",
-                                               .placeholder = "26.0089 or 26°00'32\"N",
-                                               .decimals = 6,
-                                               .minimum = -90,
-                                               .maximum = 90,
-                                               .required = true},
-                                    FieldFacts{.name = "longitude",
-                                               .label = "Longitude",
-                                               .placeholder = "-80.1234 or 80°07'24\"W",
-                                               .decimals = 6,
-                                               .minimum = -180,
-                                               .maximum = 180,
-                                               .required = true},
+  static constexpr std::array facts{FieldFacts{.name = "name", .label = "Name"}, kLatitudeFacts, kLongitudeFacts,
                                     FieldFacts{.name = "notes", .label = "Notes", .entry = FieldEntry::multiline}};
 };
 static_assert(factsNameFields<Waypoint>());

@@ -123,7 +123,10 @@ AppViewModel::Loaded AppViewModel::decodeState(LocalCache& cache, const Attachme
                                                const std::string& prefix, Timestamp now) {
   Loaded loaded;
   if (prefix.empty()) return loaded;
-  if (!cache.isReadOnly()) adoptLegacyEntries(cache, prefix, kSuffixes, now);
+  if (!cache.isReadOnly()) {
+    attachments.removeInterrupted();
+    adoptLegacyEntries(cache, prefix, kSuffixes, now);
+  }
   auto state = cache.load(prefix);
   if (!state) {
     loaded.problem = state.error().message;
@@ -167,7 +170,7 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
   marks_ = std::move(loaded.marks);
   undoable_.clear();
   qCInfo(storeLog, "🔄 %zu vessels from key %s_vessels", vessels().size(), prefix.c_str());
-  if (!ismRecords().empty()) qCInfo(storeLog, "📂 ISM load: count=%zu", ismRecords().size());
+  qCInfo(storeLog, "📂 ISM load: count=%zu", ismRecords().size());
   loadProblem_ = std::move(loaded.problem);
   if (!loadProblem_.empty()) qCWarning(storeLog, "❌ load failed: %s", loadProblem_.c_str());
 
@@ -336,6 +339,16 @@ void AppViewModel::applyInMemory(const Edit& edit) {
     }
     if (puts.empty() && removes.empty()) return;
     Collection<T>& records = mutableCollection<T>();
+    if constexpr (std::is_same_v<T, VesselProfile>) {
+      const auto hasNewPhoto = [&records](const VesselProfile& put) {
+        const VesselProfile* current = records.find(put.id);
+        return put.photoPath != (current != nullptr ? current->photoPath : std::string());
+      };
+      if (std::ranges::any_of(puts, hasNewPhoto)) {
+        ++vesselPhotoCacheVersion_;
+        Q_EMIT vesselPhotoCacheVersionChanged();
+      }
+    }
     if (puts.size() + removes.size() > kTellOneByOne) {
       records.applyMany(std::move(puts), removes);
     } else {

@@ -240,15 +240,13 @@ std::expected<void, AttachmentError> AttachmentStore::remove(std::string_view pa
   return {};
 }
 
-std::size_t AttachmentStore::removeUnused(const std::set<std::string, std::less<>>& used,
-                                          std::chrono::hours age) const {
+std::size_t AttachmentStore::removeInterrupted(std::chrono::hours age) const {
   std::size_t removed = 0;
   std::error_code error;
   const auto limit = fs::file_time_type::clock::now() - age;
-  for (fs::recursive_directory_iterator at(root_, error), end; !error && at != end; at.increment(error)) {
+  for (fs::directory_iterator at(root_ / kIncoming, error), end; !error && at != end; at.increment(error)) {
     std::error_code ignored;
     if (!at->is_regular_file(ignored) || at->is_symlink(ignored)) continue;
-    if (used.contains(at->path().lexically_relative(root_).generic_string())) continue;
     if (at->last_write_time(ignored) > limit || ignored) continue;
     if (fs::remove(at->path(), ignored)) ++removed;
   }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <expected>
 #include <filesystem>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,8 +21,9 @@ struct AttachmentError {
 /// "<bucket>/<name>". A file is named by its content, so the same content is stored once, and what is stored is never
 /// changed. Files 0600, folders 0700.
 ///
-/// A file appears whole or not at all: it is written beside its place, made durable, then renamed. Because undo may
-/// bring a record back, deleting a record removes no file; `removeUnused` does, later.
+/// A file appears whole or not at all: it is written beside its place, made durable, then renamed. Deleting a record
+/// removes no file: undo may bring the record back, a backup may name the file, and another store in the same folder
+/// may hold the same content.
 class AttachmentStore {
  public:
   /// `root` is created when the first file is put.
@@ -42,9 +43,9 @@ class AttachmentStore {
 
   /// Removes one file, for good. No record may name it any more.
   std::expected<void, AttachmentError> remove(std::string_view path) const;
-  /// Removes the files that `used` does not name and that are older than `age`, and remains of interrupted writing.
-  /// Gives how many.
-  std::size_t removeUnused(const std::set<std::string, std::less<>>& used, std::chrono::hours age) const;
+  /// Removes what interrupted writing left behind, unless it is younger than `age` and may still be written. Gives how
+  /// many.
+  std::size_t removeInterrupted(std::chrono::hours age = std::chrono::hours(24)) const;
 
   const std::filesystem::path& root() const { return root_; }
 

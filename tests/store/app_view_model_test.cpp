@@ -222,6 +222,19 @@ TEST_F(Store, PhotosInsideRecordsMoveToDiskOnce) {
   EXPECT_THAT(messages.text(), HasSubstr("🧹 purged tasks blob: local_tasks → "));
 }
 
+TEST_F(Store, ANewVesselPhotoTellsViewsToReloadTheirs) {
+  const Vessel vessel = addVessel("M/Y Meridian");
+  VesselProfile profile{.id = Uuid::random(), .vesselID = vessel.id};
+  ASSERT_TRUE(waitFor(viewModel->add(profile)));
+  EXPECT_EQ(viewModel->vesselPhotoCacheVersion(), 0);
+  profile.photoPath = "vessel_photos/bow.jpg";
+  ASSERT_TRUE(waitFor(viewModel->update(profile)));
+  EXPECT_EQ(viewModel->vesselPhotoCacheVersion(), 1);
+  profile.flag = "Malta";
+  ASSERT_TRUE(waitFor(viewModel->update(profile)));
+  EXPECT_EQ(viewModel->vesselPhotoCacheVersion(), 1);
+}
+
 TEST_F(Store, TellsListenersWhichFieldsChanged) {
   const Vessel vessel = addVessel("Meridian");
   FieldSet seen{};

@@ -95,20 +95,18 @@ TEST(Attachments, RefuseWhatIsTooLargeOrNoFile) {
   EXPECT_FALSE(AttachmentStore(folder / "taken").put("yard_docs", bytesOf("x")));
 }
 
-TEST(Attachments, RemoveWhatNobodyNamesAnyMore) {
+TEST(Attachments, RemoveWhatInterruptedWritingLeft) {
   const ScratchFolder folder;
   const AttachmentStore files(folder / "files");
-  const auto used = files.put("task_photos", bytesOf("used"));
-  const auto unused = files.put("task_photos", bytesOf("unused"));
-  const auto recent = files.put("task_photos", bytesOf("recent"));
-  std::ofstream(folder / "files/.incoming/interrupted") << "half";
+  const auto stored = files.put("task_photos", bytesOf("stored"));
+  for (const char* const name : {"interrupted", "arriving"}) std::ofstream(folder / "files/.incoming" / name) << "half";
   const auto old = fs::file_time_type::clock::now() - std::chrono::hours(48);
-  for (const std::string& path : {*used, *unused, std::string(".incoming/interrupted")})
+  for (const std::string& path : {*stored, std::string(".incoming/interrupted")})
     fs::last_write_time(files.root() / path, old);
-  EXPECT_EQ(files.removeUnused({*used}, std::chrono::hours(24)), 2U);
-  EXPECT_TRUE(files.absolute(*used));
-  EXPECT_TRUE(files.absolute(*recent));
-  EXPECT_FALSE(files.absolute(*unused));
+  EXPECT_EQ(files.removeInterrupted(), 1U);
+  EXPECT_TRUE(files.absolute(*stored));
+  EXPECT_TRUE(fs::exists(files.root() / ".incoming/arriving"));
+  EXPECT_EQ(AttachmentStore(folder / "never made").removeInterrupted(), 0U);
 }
 
 }  // namespace
