@@ -82,10 +82,17 @@ int main(int argc, char* argv[]) {
       "meant: under 16 ms");
 
   bench::Samples typing;
-  press(window, Qt::Key_F, Qt::ControlModifier);
+  composition.app().post(QStringLiteral("findOnPage"));
+  bench::Samples opening;
+  drawOnce(window, opening);
+  const int all = list->property("count").toInt();
   for (const QChar letter : QStringLiteral("impeller gen")) {
     typing.time([&] { press(window, letter.toUpper().unicode(), Qt::NoModifier, QString(letter)); });
     for (int frame = 0; frame < 12; ++frame) drawOnce(window, typing);
+  }
+  if (list->property("count").toInt() >= all) {
+    std::fprintf(stderr, "what was typed did not reach the search field\n");
+    return 1;
   }
   bench::printReport("searching 100,000 tasks as one types: longest frame", bench::milliseconds(typing.percentile(1)),
                      "meant: under 16 ms");

@@ -30,6 +30,7 @@ struct Step {
   SBTask<void> (*uploads)(SyncRunPtr, RunToken);
   SBTask<bool> (*download)(SyncRunPtr, RunToken);
   int (*waiting)(const AppViewModel&);
+  bool optional = false;  ///< an older server may lack the table; what belongs there waits
 };
 
 template <class T>
@@ -40,6 +41,11 @@ constexpr Step step() {
           .uploads = &uploadChanges<T>,
           .download = &downloadRows<T>,
           .waiting = [](const AppViewModel& model) { return model.dirtyCount(RecordKind<T>::facts.suffix); }};
+}
+
+constexpr Step optional(Step step) {
+  step.optional = true;
+  return step;
 }
 
 /// The steps in run order. Vessels come first because every other row refers to one; conflicts last, when all are
@@ -72,7 +78,7 @@ constexpr std::array kSteps{
          .waiting = &settingsWaiting},
     step<SubscriptionAccount>(),
     step<CrewBoardPost>(),
-    step<ConflictNote>(),
+    optional(step<ConflictNote>()),
 };
 
 /// One step's work under way, and whether it came to its end in time.
@@ -301,7 +307,7 @@ QCoro::Task<void> SyncManager::work(SyncRunPtr run, Extent extent) {
     if (!step.deletions || step.waiting(model_) == 0) continue;
     const auto deleted = co_await step.deletions(run, run->token);
     if (run->token.isOver()) co_return;
-    if (deleted) continue;
+    if (deleted || (step.optional && deleted.error().remedy == SBError::Remedy::updateSchema)) continue;
     run->problems.push_back({std::string(step.table), {}, deleted.error().text.toStdString()});
     run->lostConnection = endsRun(deleted.error());
     if (run->lostConnection) co_return;
@@ -329,6 +335,8 @@ QCoro::Task<void> SyncManager::work(SyncRunPtr run, Extent extent) {
     if (!done) {
       log_.say(std::string(step.label) + " timed out after 60s");
       run->problems.push_back({std::string(step.table), {}, "The server took too long to answer; it is tried again."});
+    } else if (!*done && step.optional && done->error().remedy == SBError::Remedy::updateSchema) {
+      continue;
     } else if (!*done) {
       const SBError& error = done->error();
       log_.say("⚠️ " + std::string(step.label) + ": " + error.logLine().toStdString());
@@ -357,7 +365,7 @@ void SyncManager::finish(const SyncRunPtr& run, bool full) {
     model_.cache().setPreference(key(kLastSyncDate), formatTimestamp(model_.now()));
   }
   bool heldBack = false;
-  for (const Step& step : kSteps) heldBack = heldBack || (step.deletions && step.waiting(model_) > 0);
+  for (const Step& step : kSteps) heldBack = heldBack || (step.deletions && !step.optional && step.waiting(model_) > 0);
   const bool again = std::exchange(pushAgain_, false);
   if (again && !run->lostConnection) {
     QMetaObject::invokeMethod(this, &SyncManager::push, Qt::QueuedConnection);

@@ -39,6 +39,7 @@ create trigger after_delete after delete on public.conflict_notes referencing ol
   for each statement execute function private.register_after_delete();
 
 -- A note holds a whole record, so it is hidden with the record's module.
+revoke all on public.conflict_notes from anon, authenticated, public;
 grant select, insert, update, delete on public.conflict_notes to authenticated, service_role;
 create policy member_select on public.conflict_notes for select to authenticated
   using (account_id = any (array (select private.accounts_to_read()))

@@ -57,7 +57,7 @@ class RecordsTest(CliTest):
         vessel = self.vessel()
         _, _, message = self.run_cli("list", "?")
         names = message.split("collections are ")[1].split(".")[0].split(", ")
-        self.assertEqual(len(names), 21)
+        self.assertEqual(len(names), 23)
         for name in names:
             with self.subTest(collection=name):
                 if name != "vessels":

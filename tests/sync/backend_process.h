@@ -37,10 +37,13 @@ class BackendProcess {
   QString password(int account) const { return owner(account)[QStringLiteral("password")].toString(); }
   /// Gives an account a plan, which is bought and not set.
   bool setPlan(const std::string& account, const char* plan) const {
+    return execute(QStringLiteral("update public.accounts set plan = '%1' where id = '%2'")
+                       .arg(QLatin1String(plan), QString::fromStdString(account)));
+  }
+  /// Runs a statement in the database itself, above all policies.
+  bool execute(const QString& statement) const {
     return QProcess::execute(QStringLiteral("psql"),
-                             {facts_[QStringLiteral("databaseUrl")].toString(), QStringLiteral("-qc"),
-                              QStringLiteral("update public.accounts set plan = '%1' where id = '%2'")
-                                  .arg(QLatin1String(plan), QString::fromStdString(account))}) == 0;
+                             {facts_[QStringLiteral("databaseUrl")].toString(), QStringLiteral("-qc"), statement}) == 0;
   }
 
  private:

@@ -73,6 +73,7 @@ void FaultyProxy::read(QTcpSocket* client) {
   }
   client->setProperty("request", sofar.mid(whole));
   ++requests_;
+  bytes_ += whole;
   const Fault fault = offline_ ? Fault::lostRequest : draw();
   const QByteArray request = closing(sofar.left(whole));
   switch (fault) {
@@ -116,6 +117,7 @@ void FaultyProxy::forward(QTcpSocket* client, const QByteArray& request, Fault f
 
 void FaultyProxy::answer(QTcpSocket* client, const QByteArray& reply, Fault fault) {
   if (fault == Fault::lostReply || offline_ || reply.isEmpty()) return client->abort();
+  bytes_ += reply.size();
   client->write(fault == Fault::cutReply ? reply.left(reply.size() / 2) : reply);
   client->disconnectFromHost();
 }

@@ -22,6 +22,8 @@ class FaultyProxy : public QObject {
   /// Nothing passes at all.
   void setOffline(bool offline) { offline_ = offline; }
   int requests() const { return requests_; }
+  /// What passed, both ways.
+  qint64 bytes() const { return bytes_; }
 
  private:
   enum class Fault {
@@ -50,6 +52,7 @@ class FaultyProxy : public QObject {
   int percent_ = 0;
   bool offline_ = false;
   int requests_ = 0;
+  qint64 bytes_ = 0;
 };
 
 }  // namespace thalvorn

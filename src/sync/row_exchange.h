@@ -1,0 +1,365 @@
+#pragma once
+
+// How the records of one kind go up: read as they stand, merged, sent, read back. For the table steps alone.
+
+#include <QCoroFuture>
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "backend/conflict_rows.h"
+#include "backend/row_kind.h"
+#include "sync/conflicts.h"
+#include "sync/step_facts.h"
+#include "sync/sync_run.h"
+#include "sync/yard_parts.h"
+
+namespace thalvorn {
+namespace step_detail {
+
+constexpr int kRounds = 4;
+constexpr std::size_t kMostRows = TableQuery::kMostInList;
+constexpr std::size_t kMostBytes = 900'000;
+constexpr std::chrono::seconds kPatienceWithDisk{20};
+
+/// A row as the server has it, and the record in it.
+template <class T>
+struct ReceivedRow {
+  RowOf<T> row;
+  T record;
+  /// Something in it cannot be read by this program; written back, it would be lost.
+  bool unreadable = false;
+  /// Of a yard period.
+  std::shared_ptr<const YardPartRows> parts = {};
+};
+
+template <class T>
+using Received = std::unordered_map<Uuid, ReceivedRow<T>>;
+
+template <class T>
+constexpr std::string_view table() {
+  return RecordKind<T>::facts.table;
+}
+
+/// What was entered here is not on disk yet; nothing is exchanged that might be lost.
+SBError notSaved();
+
+/// Everything entered here is on disk: only then is it known what waits.
+QCoro::Task<bool> whenSaved(SyncRunPtr run);
+
+/// Waits out a server that is busy, as it asks for; false when it stays busy.
+QCoro::Task<bool> waitOut(SyncRunPtr run, SBError error, int attempt);
+
+void note(SyncRun& run, std::string_view table, std::string record, const SBError& error);
+
+template <class Row>
+void tellUnreadable(SyncRun& run, const Row& row, const JsonError& error) {
+  if constexpr (std::is_same_v<Row, SBVoyagePlanRow>) {
+    run.log.say("❌ VoyagePlan JSON decode FAILED for '" + row.planName + "'");
+    run.log.say("   plan_json head: " + row.planJson.substr(0, 80));
+    run.log.say("   Raw payload (first 300 chars): " + row.planJson.substr(0, 300));
+    run.problems.push_back(
+        {"voyage_plans", row.planName, "This plan cannot be read by this program: " + error.message()});
+  } else {
+    run.log.say("❌ a row cannot be read: " + error.message());
+    run.problems.push_back({std::string("rows"), {}, "A row cannot be read by this program: " + error.message()});
+  }
+}
+
+/// The rows of a reply; one that cannot be read is told and passed over. Empty when the reply is no list.
+template <class T>
+std::optional<Received<T>> receive(SyncRun& run, const QByteArray& json) {
+  auto rows =
+      listFromJson<RowOf<T>>(std::string_view(json.data(), static_cast<std::size_t>(json.size())), JsonFields::full);
+  if (!rows) return std::nullopt;
+  Received<T> received;
+  for (const SetAside& faulty : rows->setAside) {
+    run.log.say("❌ " + std::string(table<T>()) + ": a row cannot be read: " + faulty.error.message());
+    run.problems.push_back(
+        {std::string(table<T>()), {}, "A row cannot be read by this program: " + faulty.error.message()});
+  }
+  for (RowOf<T>& row : rows->records) {
+    auto made = recordFromRow<T>(row, run.model.collection<T>().find(row.id));
+    if (!made) {
+      tellUnreadable(run, row, made.error());
+      continue;
+    }
+    const Uuid id = row.id;
+    received.insert_or_assign(id, ReceivedRow<T>{std::move(row), std::move(made->record), !made->unreadable.empty()});
+  }
+  return received;
+}
+
+/// Completes records that lie in several tables.
+template <class T>
+SBTask<void> complete(SyncRunPtr run, Received<T>* received) {
+  if constexpr (std::is_same_v<T, YardPeriod>) {
+    std::vector<Uuid> ids;
+    for (const auto& entry : *received) ids.push_back(entry.first);
+    for (std::size_t begin = 0; begin < ids.size(); begin += kMostRows) {
+      const std::vector<Uuid> some(ids.begin() + static_cast<std::ptrdiff_t>(begin),
+                                   ids.begin() + static_cast<std::ptrdiff_t>(std::min(begin + kMostRows, ids.size())));
+      auto parts = co_await readYardParts(run, some);
+      if (!parts) co_return std::unexpected(parts.error());
+      for (const Uuid& id : some) {
+        ReceivedRow<T>& row = received->at(id);
+        row.parts = std::make_shared<const YardPartRows>(std::move((*parts)[id]));
+        attachParts(row.record, *row.parts, run->model.collection<T>().find(id));
+      }
+    }
+  }
+  co_return {};
+}
+
+/// The rows of these identities as they stand on the server.
+template <class T>
+SBTask<Received<T>> readRows(SyncRunPtr run, std::vector<Uuid> ids) {
+  const auto reply = co_await run->client.read(TableQuery(table<T>()).eq("account_id", run->accountID).in("id", ids));
+  if (!reply) co_return std::unexpected(reply.error());
+  auto received = receive<T>(*run, reply->rows);
+  if (!received) co_return std::unexpected(SBError::server(200, QStringLiteral("Invalid JSON response")));
+  const auto completed = co_await complete<T>(run, &*received);
+  if (!completed) co_return std::unexpected(completed.error());
+  co_return *std::move(received);
+}
+
+template <class T>
+MergeSide mySide(const SyncRun& run, const Unsent<T>& ours) {
+  return {std::min(ours.at, run.client.serverNow()), run.userID};
+}
+
+template <class T>
+MergeSide theirSide(const SyncRun& run, const ReceivedRow<T>& theirs) {
+  return {std::min(theirs.row.updatedAt, run.client.serverNow()), theirs.row.userId.toString()};
+}
+
+template <class T>
+void addNote(Edit& notes, ConflictNote conflict) {
+  if constexpr (!std::is_same_v<T, ConflictNote>) notes.add(std::move(conflict));
+}
+
+/// A record that waits here, and what the server has of it, become one.
+template <class T>
+FromBackend<T> settle(const SyncRun& run, const Unsent<T>& ours, const ReceivedRow<T>& theirs, Edit& notes) {
+  const MergeSide mine = mySide(run, ours);
+  const MergeSide other = theirSide(run, theirs);
+  Merge<T> merge = mergeRecords(ours.base ? &*ours.base : nullptr, *ours.current, mine, theirs.record, other);
+  if (!merge.conflicts.empty()) {
+    const T& lost = merge.mineKept ? theirs.record : *ours.current;
+    addNote<T>(notes, conflictNote(merge.record, merge.mineKept ? mine : other, lost, merge.mineKept ? other : mine,
+                                   std::move(merge.conflicts), run.client.serverNow()));
+  }
+  return {.id = ours.id, .theirs = theirs.record, .merged = std::move(merge.record)};
+}
+
+template <class T>
+std::vector<Uuid> idsOf(const std::vector<Unsent<T>>& records) {
+  std::vector<Uuid> ids;
+  for (const Unsent<T>& record : records) ids.push_back(record.id);
+  return ids;
+}
+
+/// The records of `ids` that still wait.
+template <class T>
+std::vector<Unsent<T>> stillWaiting(const SyncRun& run, const std::vector<Uuid>& ids) {
+  const std::unordered_set<Uuid> wanted(ids.begin(), ids.end());
+  std::vector<Unsent<T>> waiting = run.model.unsent<T>();
+  std::erase_if(waiting, [&](const Unsent<T>& record) { return !wanted.contains(record.id); });
+  return waiting;
+}
+
+/// Who deleted what, by record.
+using Tombstones = std::unordered_map<Uuid, MergeSide>;
+SBTask<Tombstones> readTombstones(SyncRunPtr run, std::string table, std::vector<Uuid> ids);
+SBTask<void> takeBackTombstones(SyncRunPtr run, std::string table, std::vector<Uuid> ids);
+
+/// Records that the server took but does not show: deleted there meanwhile, or deleted by this user before and put
+/// back.
+template <class T>
+SBTask<void> settleAbsent(SyncRunPtr run, RunToken token, std::vector<Uuid> absent) {
+  const auto tombstones = co_await readTombstones(run, std::string(table<T>()), absent);
+  if (!tombstones) co_return std::unexpected(tombstones.error());
+  if (token.isOver() || !co_await whenSaved(run) || token.isOver()) co_return {};
+  std::vector<Uuid> revived;
+  std::vector<FromBackend<T>> gone;
+  Edit notes;
+  for (const Unsent<T>& ours : stillWaiting<T>(*run, absent)) {
+    if (!ours.current) continue;
+    const auto tombstone = tombstones->find(ours.id);
+    if (tombstone == tombstones->end()) {
+      run->problems.push_back({std::string(table<T>()), recordName(*ours.current),
+                               "The server did not keep this record. It stays here and is sent again."});
+    } else if (!ours.base && tombstone->second.by == run->userID) {
+      revived.push_back(ours.id);
+    } else {
+      addNote<T>(notes, deletionNote(*ours.current, mySide(*run, ours), tombstone->second, run->client.serverNow()));
+      gone.push_back({.id = ours.id, .theirs = std::nullopt, .merged = std::nullopt});
+    }
+  }
+  if (!gone.empty()) co_await run->model.takeFromBackend<T>(std::move(gone), std::move(notes));
+  if (!revived.empty()) co_return co_await takeBackTombstones(run, std::string(table<T>()), std::move(revived));
+  co_return {};
+}
+
+/// What a person calls the record with this identity.
+template <class T>
+std::string nameOf(const SyncRun& run, const Uuid& id) {
+  const T* record = run.model.collection<T>().find(id);
+  return record ? recordName(*record) : std::string();
+}
+
+/// Sends the rows; those that the server refuses are found by halving and told by name. The others go through.
+template <class T>
+SBTask<void> sendRows(SyncRunPtr run, RunToken token, std::vector<RowOf<T>> rows,
+                      std::unordered_set<Uuid>* refusedRows) {
+  std::vector<std::vector<RowOf<T>>> batches;
+  batches.push_back(std::move(rows));
+  int attempt = 0;
+  while (!batches.empty()) {
+    std::vector<RowOf<T>> batch = std::move(batches.back());
+    batches.pop_back();
+    if (batch.empty()) continue;
+    const std::string body = rowsToJson(batch, run->schema.ownColumns ? RowColumns::all : RowColumns::standard);
+    if (body.size() > kMostBytes && batch.size() > 1) {
+      const auto half = batch.begin() + static_cast<std::ptrdiff_t>(batch.size() / 2);
+      batches.emplace_back(half, batch.end());
+      batches.emplace_back(batch.begin(), half);
+      continue;
+    }
+    const auto sent = co_await run->client.upsert(TableQuery(table<T>()), QByteArray::fromStdString(body));
+    if (token.isOver()) co_return {};
+    const QString name = QString::fromUtf8(table<T>().data(), static_cast<qsizetype>(table<T>().size()));
+    if (sent) {
+      run->log.say(QStringLiteral("upsert %1 [%2]").arg(name).arg(batch.size()));
+      continue;
+    }
+    const SBError& error = sent.error();
+    run->log.say(QStringLiteral("upsert %1 failed [%2]: %3").arg(name).arg(error.status).arg(error.logLine()));
+    const bool ownColumnsUnknown = error.remedy == SBError::Remedy::updateSchema && run->schema.ownColumns;
+    if (ownColumnsUnknown) {
+      run->schema.ownColumns = false;
+      batches.push_back(std::move(batch));
+    } else if (error.remedy == SBError::Remedy::retryLater && error.status != 0) {
+      if (!co_await waitOut(run, error, ++attempt)) co_return std::unexpected(error);
+      if (token.isOver()) co_return {};
+      batches.push_back(std::move(batch));
+    } else if (error.remedy == SBError::Remedy::mendRecord || error.remedy == SBError::Remedy::askPermission ||
+               error.remedy == SBError::Remedy::smallerBatch) {
+      if (batch.size() == 1) {
+        const std::string called = nameOf<T>(*run, batch.front().id);
+        if (!stepFacts<T>.failure.empty()) run->log.say(std::string(stepFacts<T>.failure) + called);
+        note(*run, table<T>(), called, error);
+        refusedRows->insert(batch.front().id);
+        continue;
+      }
+      const auto half = batch.begin() + static_cast<std::ptrdiff_t>(batch.size() / 2);
+      batches.emplace_back(half, batch.end());
+      batches.emplace_back(batch.begin(), half);
+    } else {
+      co_return std::unexpected(error);
+    }
+  }
+  co_return {};
+}
+
+/// A record as it went up, and the newest edit in it.
+template <class T>
+struct Sent {
+  T record;
+  Revision revision = 0;
+};
+
+/// A row's time never goes back, however late an edit made offline arrives. A row that was not there has been seen at
+/// version 0: should it be there by now, because an earlier attempt arrived late or twice, this one writes nothing.
+template <class T>
+RowContext contextOf(const SyncRun& run, const Unsent<T>& ours, const ReceivedRow<T>* stored) {
+  RowContext context{.userID = Uuid::parse(run.userID).value_or(Uuid{}),
+                     .accountID = Uuid::parse(run.accountID).value_or(Uuid{}),
+                     .updatedAt = std::min(ours.at, run.client.serverNow()),
+                     .seenVersion = 0};
+  if (stored) {
+    context.updatedAt = std::max(context.updatedAt, stored->row.updatedAt);
+    context.seenVersion = stored->row.serverVersion;
+  }
+  return context;
+}
+
+/// Merges, sends and reads back one batch of records.
+template <class T>
+SBTask<void> exchangeBatch(SyncRunPtr run, RunToken token, std::vector<Uuid> ids,
+                           std::unordered_set<Uuid>* refusedRows) {
+  auto theirs = co_await readRows<T>(run, ids);
+  if (!theirs) co_return std::unexpected(theirs.error());
+  if (token.isOver()) co_return {};
+  if (!co_await whenSaved(run)) co_return std::unexpected(notSaved());
+  if (token.isOver()) co_return {};
+
+  std::vector<FromBackend<T>> changes;
+  Edit notes;
+  for (const Unsent<T>& ours : stillWaiting<T>(*run, ids)) {
+    const auto row = theirs->find(ours.id);
+    if (row == theirs->end() || !ours.current || ours.base == row->second.record) continue;
+    changes.push_back(settle(*run, ours, row->second, notes));
+  }
+  if (!changes.empty()) {
+    const SaveResult taken = co_await run->model.takeFromBackend<T>(std::move(changes), std::move(notes));
+    if (!taken) co_return std::unexpected(notSaved());
+    if (token.isOver()) co_return {};
+    if (!co_await whenSaved(run)) co_return std::unexpected(notSaved());
+  }
+
+  std::vector<RowOf<T>> rows;
+  std::unordered_map<Uuid, Sent<T>> sent;
+  std::vector<std::pair<YardPeriod, YardPartRows>> periods;
+  for (const Unsent<T>& ours : stillWaiting<T>(*run, ids)) {
+    if (!ours.current) continue;
+    const auto found = theirs->find(ours.id);
+    const ReceivedRow<T>* stored = found == theirs->end() ? nullptr : &found->second;
+    if (stored && stored->unreadable) {
+      refusedRows->insert(ours.id);
+      run->problems.push_back(
+          {std::string(table<T>()), recordName(*ours.current),
+           "A newer program wrote what this one cannot read; update this program to send your change."});
+      continue;
+    }
+    RowOf<T> row = rowFromRecord<T>(*ours.current, contextOf(*run, ours, stored), stored ? &stored->row : nullptr);
+    auto asSent = recordFromRow<T>(row, &*ours.current);
+    if (!asSent) continue;
+    if constexpr (std::is_same_v<T, YardPeriod>)
+      periods.emplace_back(*ours.current, stored && stored->parts ? *stored->parts : YardPartRows{});
+    sent.emplace(ours.id, Sent<T>{std::move(asSent->record), ours.revision});
+    rows.push_back(std::move(row));
+  }
+  if (rows.empty()) co_return {};
+  std::vector<Uuid> sentIds;
+  for (const RowOf<T>& row : rows) sentIds.push_back(row.id);
+  const auto done = co_await sendRows<T>(run, token, std::move(rows), refusedRows);
+  if (!done) co_return std::unexpected(done.error());
+  for (auto& [period, parts] : periods) {
+    if (token.isOver()) co_return {};
+    const auto partsSent = co_await sendYardParts(run, std::move(period), std::move(parts));
+    if (!partsSent) co_return std::unexpected(partsSent.error());
+  }
+  if (token.isOver()) co_return {};
+
+  const auto stored = co_await readRows<T>(run, sentIds);
+  if (!stored) co_return std::unexpected(stored.error());
+  if (token.isOver()) co_return {};
+  std::vector<Uploaded<T>> uploaded;
+  std::vector<Uuid> absent;
+  for (const Uuid& id : sentIds) {
+    if (refusedRows->contains(id)) continue;
+    const auto row = stored->find(id);
+    if (row == stored->end()) {
+      absent.push_back(id);
+    } else if (sent.at(id).record == row->second.record) {
+      uploaded.push_back({.id = id, .upTo = sent.at(id).revision, .record = row->second.record});
+    }
+  }
+  run->model.markUploaded<T>(uploaded);
+  if (!absent.empty()) co_return co_await settleAbsent<T>(run, token, std::move(absent));
+  co_return {};
+}
+
+}  // namespace step_detail
+}  // namespace thalvorn
