@@ -16,7 +16,7 @@ struct RecordChange {
   std::optional<AnyRecord> before;
   std::optional<AnyRecord> after;
 
-  const AnyRecord& either() const { return after ? *after : *before; }
+  const AnyRecord& either() const { return after ? *after : *before; }  // NOLINT: it has one side at least
   Uuid id() const;
 };
 

@@ -203,7 +203,8 @@ QCoro::Task<std::expected<int, QString>> CloudSession::adoptLocalFleet() {
   Edit edit{.label = "Fleet of this computer moved into the account"};
   forEachKind([&]<class T>(std::type_identity<T>) {
     if constexpr (!std::is_same_v<T, AccountMember>) {
-      ListLoader<T> loader(std::string(AppViewModel::localPrefix), [](std::string, std::string, std::string) {});
+      ListLoader<T> loader(std::string(AppViewModel::localPrefix),
+                           [](const std::string&, const std::string&, const std::string&) {});
       loader.readSegments(*state);
       loader.replay(state->journal);
       for (T& record : loader.take())

@@ -162,6 +162,7 @@ SyncManager::~SyncManager() { token_.end(); }
 
 std::vector<std::string_view> SyncManager::tables() {
   std::vector<std::string_view> all;
+  all.reserve(kSteps.size());
   for (const Step& step : kSteps) all.push_back(step.table);
   return all;
 }
@@ -252,7 +253,8 @@ SBTask<std::optional<SyncManager::Versions>> SyncManager::readVersions(SyncRunPt
     co_return std::nullopt;
   }
   Versions versions;
-  for (const QJsonValue& row : QJsonDocument::fromJson(reply->rows).array())
+  const QJsonArray rows = QJsonDocument::fromJson(reply->rows).array();
+  for (const auto row : rows)
     versions[row[QStringLiteral("table_name")].toString().toStdString()] = row[QStringLiteral("version")].toInteger();
   co_return versions;
 }
@@ -368,7 +370,7 @@ void SyncManager::finish(const SyncRunPtr& run, bool full) {
   for (const Step& step : kSteps) heldBack = heldBack || (step.deletions && !step.optional && step.waiting(model_) > 0);
   const bool again = std::exchange(pushAgain_, false);
   if (again && !run->lostConnection) {
-    QMetaObject::invokeMethod(this, &SyncManager::push, Qt::QueuedConnection);
+    QTimer::singleShot(0, this, &SyncManager::push);
   } else if (heldBack && !run->lostConnection && run->problems.empty()) {
     heldBack_.start(options_.deletionDelay);
   }
