@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QCoroFuture>
 #include <filesystem>
 
 #include "backend/next_emission.h"
@@ -81,15 +82,14 @@ TEST_F(SyncRuns, PassOverWhatCannotBeReadAndHoldBackNothingElse) {
   plan.vesselID = vessel.id;
   plan.planName = "Good";
   model->add(plan);
-  // Nobody may store an endless number; the server refuses the row by name and takes the others.
-  ServiceLog refused{.id = Uuid::random(), .vesselID = vessel.id, .taskTitle = "Endless"};
-  refused.engineHoursAtService = std::numeric_limits<double>::infinity();
+  // The server refuses what hangs on a vessel that it does not have, by name, and takes the others.
+  const ServiceLog refused{.id = Uuid::random(), .vesselID = Uuid::random(), .taskTitle = "Adrift"};
   model->add(refused);
   const ServiceLog fine{.id = Uuid::random(), .vesselID = vessel.id, .taskTitle = "Fine"};
   model->add(fine);
   finished(cloud->sync().syncAll());
   EXPECT_EQ(model->dirtyCount(), 1);
-  EXPECT_THAT(cloud->sync().problems(), Contains(testing::Field(&SyncProblem::record, "Endless")));
+  EXPECT_THAT(cloud->sync().problems(), Contains(testing::Field(&SyncProblem::record, "Adrift")));
 
   ASSERT_TRUE(backend().execute(
       QStringLiteral("insert into public.voyage_plans(id, user_id, account_id, vessel_id, plan_name, date_created, "
