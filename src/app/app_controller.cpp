@@ -115,24 +115,65 @@ void AppController::setModuleHidden(const QString& page, bool hidden) {
   Q_EMIT hiddenModulesChanged();
 }
 
+void AppController::setAccess(const PageAccess& access) {
+  if (access == access_) return;
+  access_ = access;
+  access_.closed.removeAll(QStringLiteral("home"));
+  Q_EMIT accessChanged();
+  Q_EMIT readOnlyChanged();
+  std::erase_if(history_, [this](const Place& place) { return isClosed(place.page); });
+  if (isClosed(current_.page)) {
+    current_ = {QStringLiteral("home"), {}};
+    Q_EMIT pageChanged();
+  }
+}
+
+bool AppController::offers(const QString& notification) const {
+  const auto command = std::ranges::find_if(
+      commandTable(), [&](const Command& entry) { return notification == QStringView(entry.notification); });
+  return command == commandTable().end() || (!isClosed(text(command->page)) && !isClosed(text(command->needs)));
+}
+
+QString AppController::readOnlyHint() const {
+  return QStringLiteral(
+      "Your role in this account lets you read here, not change anything. An administrator of the "
+      "account can give you more.");
+}
+
+bool AppController::refuseClosed(const QString& page) {
+  if (!isClosed(page)) return false;
+  toast(QStringLiteral("Your role in this account does not include this page."), QStringLiteral("soon"));
+  return true;
+}
+
 QVariantList AppController::menus() const {
-  QVariantList list;
+  struct Menu {
+    QString title;
+    QVariantList items;
+  };
+  const auto isSeparator = [](const QVariant& item) {
+    return item.toMap().value(QStringLiteral("separator")).toBool();
+  };
+  std::vector<Menu> menus;
   for (const Command& command : commandTable()) {
     const QString menu = text(command.menu);
-    if (list.isEmpty() || list.last().toMap().value(QStringLiteral("title")) != menu) {
-      list.append(QVariantMap{{QStringLiteral("title"), menu}, {QStringLiteral("items"), QVariantList()}});
-    }
-    QVariantMap entry = list.last().toMap();
-    QVariantList items = entry.value(QStringLiteral("items")).toList();
+    if (menus.empty() || menus.back().title != menu) menus.push_back({menu, {}});
+    QVariantList& items = menus.back().items;
     const QString title = text(command.title);
     const QString name = text(command.notification);
+    // Where the role closes a page its lines are gone, and two separators never meet.
+    if (!offers(name) || (title.isEmpty() && (items.isEmpty() || isSeparator(items.last())))) continue;
     items.append(QVariantMap{{QStringLiteral("title"), title},
                              {QStringLiteral("shortcut"), shown(text(command.shortcut))},
                              {QStringLiteral("notification"), name},
                              {QStringLiteral("separator"), title.isEmpty()},
                              {QStringLiteral("enabled"), !name.isEmpty()}});
-    entry[QStringLiteral("items")] = items;
-    list.last() = entry;
+  }
+  QVariantList list;
+  for (Menu& menu : menus) {
+    if (!menu.items.isEmpty() && isSeparator(menu.items.last())) menu.items.removeLast();
+    if (menu.items.isEmpty()) continue;
+    list.append(QVariantMap{{QStringLiteral("title"), menu.title}, {QStringLiteral("items"), menu.items}});
   }
   return list;
 }
@@ -171,6 +212,7 @@ void AppController::open(const QString& page, const QVariantMap& arguments) {
     qWarning("There is no page named %s", qUtf8Printable(page));
     return;
   }
+  if (refuseClosed(page)) return;
   if (page == current_.page && arguments == current_.arguments) {
     // The same record again: the page shows it once more.
     if (!arguments.isEmpty()) Q_EMIT pageChanged();
@@ -180,6 +222,7 @@ void AppController::open(const QString& page, const QVariantMap& arguments) {
   if (history_.size() > kHistoryLength) history_.erase(history_.begin());
   current_ = {page, arguments};
   Q_EMIT pageChanged();
+  Q_EMIT readOnlyChanged();
 }
 
 void AppController::back() {
@@ -187,16 +230,30 @@ void AppController::back() {
   current_ = history_.back();
   history_.pop_back();
   Q_EMIT pageChanged();
+  Q_EMIT readOnlyChanged();
 }
 
 void AppController::post(const QString& name) {
   const auto command = std::ranges::find_if(
       commandTable(), [&](const Command& entry) { return name == QStringView(entry.notification); });
-  if (command != commandTable().end() && *command->page) open(text(command->page));
+  if (command != commandTable().end()) {
+    if (refuseClosed(text(command->page)) || refuseClosed(text(command->needs))) return;
+    if (*command->page) open(text(command->page));
+  }
   Q_EMIT notification(name);
 }
 
 void AppController::openSheet(const QString& source, const QVariantMap& properties) {
+  // A form belongs to the pages of its folder, else to the page in view.
+  const QString folder = source.section(u'/', 0, 0) + u'/';
+  const auto owner = std::ranges::find_if(
+      pageTable(), [&](const PageEntry& page) { return page.module && QStringView(page.source).startsWith(folder); });
+  const bool barred = owner == pageTable().end() ? readOnly() && !source.startsWith(u"account/")
+                                                 : access_.readOnly.contains(text(owner->id));
+  if (barred) {
+    toast(readOnlyHint(), QStringLiteral("soon"));
+    return;
+  }
   Q_EMIT sheetRequested(qmlAddress(source), properties);
 }
 

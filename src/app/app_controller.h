@@ -4,6 +4,7 @@
 #include <memory>
 
 #include <QObject>
+#include <QStringList>
 #include <QVariant>
 #include <vector>
 
@@ -15,6 +16,13 @@ class PreferenceStore {
   virtual ~PreferenceStore() = default;
   virtual QString preference(const QString& key) const = 0;
   virtual void setPreference(const QString& key, const QString& value) = 0;
+};
+
+/// Pages that the user's role in the account keeps from him, by id. Home is always there.
+struct PageAccess {
+  QStringList closed;    ///< not shown anywhere
+  QStringList readOnly;  ///< shown, but nothing there can be changed
+  friend bool operator==(const PageAccess&, const PageAccess&) = default;
 };
 
 /// The window's state: which page is shown, what was posted, how it looks. QML sees it as `App`.
@@ -31,7 +39,10 @@ class AppController : public QObject {
   Q_PROPERTY(bool isSubPage READ isSubPage NOTIFY pageChanged)
   Q_PROPERTY(QVariantList pages READ pages CONSTANT)
   Q_PROPERTY(QStringList hiddenModules READ hiddenModules NOTIFY hiddenModulesChanged)
-  Q_PROPERTY(QVariantList menus READ menus CONSTANT)
+  Q_PROPERTY(QStringList closedPages READ closedPages NOTIFY accessChanged)
+  Q_PROPERTY(bool readOnly READ readOnly NOTIFY readOnlyChanged)
+  Q_PROPERTY(QString readOnlyHint READ readOnlyHint CONSTANT)
+  Q_PROPERTY(QVariantList menus READ menus NOTIFY accessChanged)
   Q_PROPERTY(QVariantList shortcuts READ shortcuts CONSTANT)
   Q_PROPERTY(QVariantMap statusHelp READ statusHelp CONSTANT)
   Q_PROPERTY(QString version READ version CONSTANT)
@@ -69,6 +80,17 @@ class AppController : public QObject {
   /// Ids of the pages that the user keeps out of the sidebar; they stay reachable by menu and search.
   QStringList hiddenModules() const;
   Q_INVOKABLE void setModuleHidden(const QString& page, bool hidden);
+
+  /// What the user's role in the account leaves him.
+  void setAccess(const PageAccess& access);
+  QStringList closedPages() const { return access_.closed; }
+  bool isClosed(const QString& page) const { return access_.closed.contains(page); }
+  /// Whether the menus and the search offer what posts this.
+  bool offers(const QString& notification) const;
+  /// Nothing on the page in view can be changed by this user: what changes records is off there.
+  bool readOnly() const { return access_.readOnly.contains(current_.page); }
+  QString readOnlyHint() const;
+
   /// The menu bar: [{title, items: [{title, shortcut, notification, separator, enabled}]}].
   QVariantList menus() const;
   /// Every key the shell itself listens to: [{keys, notification}].
@@ -87,6 +109,7 @@ class AppController : public QObject {
   /// Posts an in-process notification by name, for instance "openTemplateLibrary"; its page opens first.
   Q_INVOKABLE void post(const QString& name);
   /// Opens a form over the window: a QML file below the module's folder whose root is a FormSheet, with its properties.
+  /// A form that changes what the user may only read does not open; he is told why.
   Q_INVOKABLE void openSheet(const QString& source, const QVariantMap& properties = {});
 
   /// A short message at the bottom; `tone` is "", "ok", "soon" or "overdue".
@@ -104,6 +127,8 @@ class AppController : public QObject {
   void reducedMotionChanged();
   void pageChanged();
   void hiddenModulesChanged();
+  void accessChanged();
+  void readOnlyChanged();
   void notification(const QString& name);
   void sheetRequested(const QString& source, const QVariantMap& properties);
   void toastRequested(const QString& text, const QString& tone);
@@ -121,6 +146,9 @@ class AppController : public QObject {
   QString appearance_;
   bool desktopDark_ = false;
   bool reducedMotion_ = false;
+  bool refuseClosed(const QString& page);
+
+  PageAccess access_;
   Place current_{QStringLiteral("home"), {}};
   std::vector<Place> history_;
 };

@@ -7,8 +7,10 @@
 #include <QIcon>
 #include <QQmlEngine>
 #include <QTimer>
+#include <utility>
 
 #include "app/module_table.h"
+#include "app/page_access.h"
 #include "app/record_form.h"
 #include "app/record_search.h"
 #include "app/restart.h"
@@ -16,6 +18,7 @@
 #include "platform/desktop_identity.h"
 #include "platform/store_access.h"
 #include "platform/user_folders.h"
+#include "sync/deployment.h"
 
 void qml_register_types_Thalvorn();
 
@@ -117,13 +120,39 @@ void Composition::openStore() {
   auto opened = StoreSession::open(storeFile_, clock_);
   if (opened) {
     session_ = std::move(*opened);
+    makeCloud();
     commands_ = std::make_unique<cli::WindowCommands>(session_->model());
+    commands_->setCloud(cloud_.get());
     if (instance_) commands_->serve(*instance_);
   } else {
     problem_ = opened.error();
     // Without a store there is nothing to hold; the command line says itself what is wrong with it.
     instance_.reset();
   }
+}
+
+void Composition::makeCloud() {
+  // Pictures and tests are the same on every computer: only what they are told counts.
+  if (options_.pictured() && options_.backend.isEmpty()) return;
+  auto server = deployedBackend({.url = options_.backend, .key = options_.backendKey});
+  if (!server) {
+    serverProblem_ = server.error();
+    qWarning("%s", qUtf8Printable(serverProblem_));
+  } else if (*server) {
+    cloud_ = std::make_unique<CloudSession>(session_->model(), **std::move(server), clock_, timing_);
+  }
+}
+
+void Composition::makeAccount() {
+  AppViewModel& model = session_->model();
+  account_ = std::make_unique<AccountController>(*session_, cloud_.get(), serverProblem_, *app_);
+  team_ = std::make_unique<TeamController>(*session_, cloud_.get(), *app_);
+  sync_ = std::make_unique<SyncController>(model, cloud_.get(), *app_);
+  const auto access = [this, &model] { app_->setAccess(pageAccess(model)); };
+  connect(&model, &AppViewModel::membershipChanged, app_.get(), access);
+  connect(&model, &AppViewModel::prefixChanged, app_.get(), access);
+  search_->setFilter(
+      [this](const SearchHit& hit) { return !app_->isClosed(hit.page) && app_->offers(hit.notification); });
 }
 
 void Composition::makeControllers() {
@@ -139,6 +168,7 @@ void Composition::makeControllers() {
   search_->addSource(pagesAndCommands());
   app_->setProblem(problem_);
   if (session_) {
+    makeAccount();
     fleet_ = std::make_unique<FleetController>(session_->model(), *notices_);
     search_->addScan(recordScan(session_->model()));
     maintenance_ = std::make_unique<MaintenanceController>(session_->model(), session_->attachments(), *format_, *app_,
@@ -149,7 +179,9 @@ void Composition::makeControllers() {
       QCoreApplication::exit();
     });
     connect(&session_->model(), &AppViewModel::reloaded, this, [this] {
-      app_->setPhase(QStringLiteral("ready"));
+      if (session_->model().prefix().empty()) return;
+      if (!account_->mustSignIn()) app_->setPhase(QStringLiteral("ready"));
+      if (!std::exchange(resumed_, true)) account_->resume();
       if (const QString message = messageOfRestart(); !message.isEmpty()) app_->toast(message);
     });
   }
@@ -165,6 +197,9 @@ void Composition::registerForQml() {
   registerSingleton("Format", format_.get());
   registerSingleton("Notices", notices_.get());
   registerSingleton("Search", search_.get());
+  registerSingleton("Account", account_.get());
+  registerSingleton("Team", team_.get());
+  registerSingleton("Sync", sync_.get());
   registerSingleton("Fleet", fleet_.get());
   registerSingleton("Maintenance", maintenance_.get());
   if (recordPages_) recordPages_->registerForQml();
@@ -241,11 +276,8 @@ void Composition::openFleet(const std::string& prefix) {
 void Composition::onNotification(const QString& name) {
   if (name == u"exploreDemo") openFleet(std::string(AppViewModel::demoPrefix));
   if (name == u"startLocalFleet") openFleet(std::string(AppViewModel::localPrefix));
-  if (name == u"signOutRequested") {
-    session_->model().clear();
-    session_->forgetChoice();
-    app_->setPhase(QStringLiteral("welcome"));
-  }
+  if (name == u"signOutRequested") account_->requestSignOut();
+  if (name == u"thalvornRequestSync") sync_->syncNow();
 }
 
 void Composition::followLink(const QString& address) {
@@ -262,7 +294,7 @@ void Composition::followLink(const QString& address) {
       app_->open(page, {{QStringLiteral("highlight"), record->id.toString(QUuid::WithoutBraces)}});
     }
   } else {
-    app_->toast(tr("A password can be reset once the fleet server is connected."), QStringLiteral("soon"));
+    account_->followLink(address);
   }
 }
 

@@ -7,6 +7,9 @@
 #include <memory>
 #include <optional>
 
+#include "app/account/account_controller.h"
+#include "app/account/sync_controller.h"
+#include "app/account/team_controller.h"
 #include "app/app_controller.h"
 #include "app/desktop_services.h"
 #include "app/fleet_controller.h"
@@ -46,12 +49,16 @@ class Composition : public QObject {
   const QString& storeFile() const { return storeFile_; }
   bool hasStore() const { return session_ != nullptr; }
   MaintenanceController& maintenance() { return *maintenance_; }
+  AccountController& account() { return *account_; }
 
  private:
   void openStore();
+  /// Finds the fleet server of this computer, if one is set up.
+  void makeCloud();
   /// Lets the commands of other processes end before their store goes.
   void finishCommands();
   void makeControllers();
+  void makeAccount();
   void registerForQml();
   void followDesktop();
   void startReading();
@@ -69,12 +76,18 @@ class Composition : public QObject {
   QString problem_;  ///< why there is no store, for the user
   std::unique_ptr<SingleInstance> instance_;
   std::unique_ptr<StoreSession> session_;
+  SystemTiming timing_;
+  std::unique_ptr<CloudSession> cloud_;  ///< null where no fleet server is set up
+  QString serverProblem_;                ///< why the settings of the fleet server cannot be used
   std::unique_ptr<cli::WindowCommands> commands_;
   std::unique_ptr<PreferenceStore> preferences_;
   std::unique_ptr<DesktopSettings> desktop_;
   std::unique_ptr<AppController> app_;
   std::unique_ptr<Format> format_;
   std::unique_ptr<Notices> notices_;
+  std::unique_ptr<AccountController> account_;
+  std::unique_ptr<TeamController> team_;
+  std::unique_ptr<SyncController> sync_;
   std::unique_ptr<FleetController> fleet_;
   std::unique_ptr<SearchModel> search_;
   std::unique_ptr<MaintenanceController> maintenance_;
@@ -83,6 +96,7 @@ class Composition : public QObject {
   std::unique_ptr<DesktopServices> services_;
   std::unique_ptr<QQmlApplicationEngine> engine_;
   QQuickWindow* window_ = nullptr;
+  bool resumed_ = false;  ///< the session of the program's start has been taken up
 };
 
 /// What must stand before the first window: fonts, text rendering, names of the application.

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QString>
+#include <optional>
 #include <span>
 
-#include <QString>
+#include "compliance/account_member.h"
 
 namespace thalvorn::app {
 
@@ -13,7 +15,8 @@ struct PageEntry {
   const char16_t* title;  ///< As the sidebar and the search show it.
   const char16_t* icon;   ///< Drawing or symbol name of the icon table.
   const char16_t* group;  ///< Heading in the sidebar; empty for the first, unnamed group; null when not in the sidebar.
-  const char16_t* source;  ///< QML file below the module's folder, loaded on first use.
+  const char16_t* source;                          ///< QML file below the module's folder, loaded on first use.
+  std::optional<AppTabPermissionKey> module = {};  ///< Whose rights the page needs; empty: every member has it.
 };
 
 /// Every page. A new module is one entry here and one QML file.

@@ -38,6 +38,8 @@ std::expected<Options, OptionsEnd> parseOptions(const QStringList& arguments) {
   const auto post = add(u"post", u"Post this notification once the page is open, e.g. openSearch.", u"name");
   const auto size = add(u"size", u"Size of the window in pictures.", u"WxH");
   const auto scheme = add(u"scheme", u"Colours: light or dark.", u"scheme");
+  const auto backend = add(u"backend", u"Use the fleet server at this address.", u"url");
+  const auto key = add(u"key", u"The fleet server's public key.", u"key");
   parser.addPositionalArgument(QStringLiteral("link"), QStringLiteral("A thalvorn:// link to follow."),
                                QStringLiteral("[link]"));
 
@@ -55,6 +57,8 @@ std::expected<Options, OptionsEnd> parseOptions(const QStringList& arguments) {
   options.page = parser.value(page);
   options.post = parser.value(post);
   options.scheme = parser.value(scheme);
+  options.backend = parser.value(backend);
+  options.backendKey = parser.value(key);
   if (!options.page.isEmpty() && !findPage(options.page)) {
     return refuse(QStringLiteral("There is no page named “%1”.").arg(options.page));
   }

@@ -18,6 +18,8 @@ struct Options {
   QString post;           ///< a menu command's notification to post once the page is open
   QSize size{1366, 768};  ///< of the window in pictures
   QString scheme;         ///< "light" or "dark"; empty = as set
+  QString backend;        ///< the fleet server's address; empty = as deployed on this computer
+  QString backendKey;     ///< the public key that goes with it
   QString link;           ///< a deep link to follow
 
   /// Draws pages for a picture or a test: no remembered window, no motion, no desktop services.

@@ -17,6 +17,8 @@ namespace {
 
 constexpr std::array kSizes{QSize(1366, 768), QSize(1920, 1080)};
 constexpr int kRounds = 12;
+/// What the welcome page can ask for.
+constexpr std::array kWelcomeSteps{u"choice", u"signIn", u"signUp", u"forgot"};
 
 struct Warnings {
   QMutex mutex;
@@ -55,10 +57,30 @@ QString savePicture(Composition& composition, const QString& file) {
   return {};
 }
 
+namespace {
+
+/// The welcome page in each of its steps.
+QString saveWelcome(Composition& composition, const QString& folder, QStringView scheme) {
+  composition.app().setPhase(QStringLiteral("welcome"));
+  QString fault;
+  for (const char16_t* step : kWelcomeSteps) {
+    composition.account().setStep(QString::fromUtf16(step));
+    const QString name = QStringLiteral("welcome-%1-%2.png").arg(QStringView(step), scheme);
+    if (fault.isEmpty()) fault = savePicture(composition, QDir(folder).filePath(name));
+  }
+  composition.account().setStep(QStringLiteral("choice"));
+  composition.app().setPhase(QStringLiteral("ready"));
+  return fault;
+}
+
+}  // namespace
+
 QString savePictures(Composition& composition, const QString& folder) {
   if (!QDir().mkpath(folder)) return QStringLiteral("The folder %1 could not be made.").arg(folder);
   for (const char16_t* scheme : {u"light", u"dark"}) {
     composition.app().showIn(QString::fromUtf16(scheme));
+    composition.window()->resize(kSizes.front());
+    if (const QString fault = saveWelcome(composition, folder, scheme); !fault.isEmpty()) return fault;
     for (const QSize& size : kSizes) {
       composition.window()->resize(size);
       for (const PageEntry& page : pageTable()) {
@@ -102,8 +124,17 @@ QStringList visitEveryPage(Composition& composition) {
     composition.app().post(QString::fromLatin1(name));
     settle(composition.window());
   }
+  for (const char* sheet : {"Invite", "Member", "ChangePassword"}) {
+    composition.app().openSheet(
+        QStringLiteral("account/%1Sheet.qml").arg(QLatin1String(sheet)),
+        sheet == QByteArray("Member") ? QVariantMap{{QStringLiteral("memberId"), QString()}} : QVariantMap());
+    settle(composition.window());
+  }
   composition.app().setPhase(QStringLiteral("welcome"));
-  settle(composition.window());
+  for (const char16_t* step : kWelcomeSteps) {
+    composition.account().setStep(QString::fromUtf16(step));
+    settle(composition.window());
+  }
   return collectedWarnings();
 }
 

@@ -70,14 +70,21 @@ void SearchModel::setWords(const QString& words) {
   beginResetModel();
   words_ = words.simplified();
   hits_.clear();
-  for (const SearchSource& source : sources_)
-    std::ranges::move(source(words_, kHitsPerSource), std::back_inserter(hits_));
+  for (const SearchSource& source : sources_) {
+    std::vector<SearchHit> found = source(words_, kHitsPerSource);
+    keep(found);
+    std::ranges::move(found, std::back_inserter(hits_));
+  }
   endResetModel();
   Q_EMIT wordsChanged();
   Q_EMIT countChanged();
   running_ = 0;
   startScan();
   scanOn();
+}
+
+void SearchModel::keep(std::vector<SearchHit>& found) const {
+  if (shows_) std::erase_if(found, [this](const SearchHit& hit) { return !shows_(hit); });
 }
 
 void SearchModel::startScan() {
@@ -89,6 +96,7 @@ void SearchModel::scanOn() {
   if (!step_) return;
   std::vector<SearchHit> found;
   const bool through = step_(found);
+  keep(found);
   if (!found.empty()) {
     beginInsertRows({}, count(), count() + static_cast<int>(found.size()) - 1);
     std::ranges::move(found, std::back_inserter(hits_));

@@ -42,6 +42,9 @@ class SearchModel : public QAbstractListModel {
   /// Scans follow the sources, one after the other, between frames.
   void addScan(SearchScan scan);
 
+  /// Leaves out the hits that are not to be shown.
+  void setFilter(std::function<bool(const SearchHit&)> shows) { shows_ = std::move(shows); }
+
   QString words() const { return words_; }
   void setWords(const QString& words);
   int count() const { return static_cast<int>(hits_.size()); }
@@ -63,6 +66,7 @@ class SearchModel : public QAbstractListModel {
   void chosen(const QString& page, const QVariantMap& arguments, const QString& notification);
 
  private:
+  void keep(std::vector<SearchHit>& found) const;
   void startScan();
   void scanOn();
 
@@ -72,6 +76,7 @@ class SearchModel : public QAbstractListModel {
   std::vector<SearchSource> sources_;
   std::vector<SearchScan> scans_;
   std::vector<SearchHit> hits_;
+  std::function<bool(const SearchHit&)> shows_;
   std::size_t running_ = 0;  ///< the scan that is going on
   SearchStep step_;
   QTimer next_;

@@ -44,9 +44,10 @@ TEST(Commands, OfferTheProgramsMenuNotifications) {
   EXPECT_EQ(titles[QStringLiteral("openTemplateLibrary")], QStringLiteral("Template Library…"));
   EXPECT_EQ(titles[QStringLiteral("openImportTasksCSV")], QStringLiteral("Import Tasks from CSV…"));
   EXPECT_EQ(titles[QStringLiteral("openManageVessels")], QStringLiteral("Manage Vessels…"));
+  EXPECT_EQ(titles[QStringLiteral("openManageAccount")], QStringLiteral("Manage Account…"));
   EXPECT_EQ(titles[QStringLiteral("serviceHistoryDetailed")], QStringLiteral("Service History (Detailed)"));
   EXPECT_EQ(titles[QStringLiteral("maintenanceTasks")], QStringLiteral("Maintenance Tasks"));
-  for (const char* name : {"openRecurringTasks", "addVesselRequested", "signOutRequested"}) {
+  for (const char* name : {"openRecurringTasks", "addVesselRequested", "signOutRequested", "thalvornRequestSync"}) {
     EXPECT_TRUE(titles.contains(QString::fromLatin1(name))) << name;
   }
 }

@@ -33,6 +33,7 @@ Settings::Settings(StoreSession& session, PreferenceStore& preferences, AppContr
                    QObject* parent)
     : QObject(parent), session_(session), preferences_(preferences), app_(app), format_(format) {
   connect(&app_, &AppController::hiddenModulesChanged, this, &Settings::changed);
+  connect(&app_, &AppController::accessChanged, this, &Settings::changed);
   connect(&store(), &AppViewModel::displayNameChanged, this, &Settings::changed);
   connect(&store(), &AppViewModel::reloaded, this, &Settings::changed);
 }
@@ -102,6 +103,7 @@ QVariantList Settings::modules() const {
   for (const PageEntry& page : pageTable()) {
     if (!canHide(page)) continue;
     const QString id = QString::fromUtf16(page.id);
+    if (app_.isClosed(id)) continue;
     list.append(QVariantMap{{QStringLiteral("id"), id},
                             {QStringLiteral("title"), QString::fromUtf16(page.title)},
                             {QStringLiteral("icon"), QString::fromUtf16(page.icon)},

@@ -129,6 +129,43 @@ T.ApplicationWindow {
         }
     }
 
+    OnDemand {
+        id: signOutDialog
+        sourceComponent: ConfirmDialog {
+            title: "Sign out with changes not sent?"
+            confirmText: "Sign out"
+            danger: false
+            onConfirmed: Account.signOut()
+        }
+    }
+
+    // Back to the sign-in, but not over a form that is being filled in.
+    QtObject {
+        id: expiry
+        property bool due: false
+        readonly property bool typing: sheets.busy
+        onTypingChanged: go()
+        function go() {
+            if (!due || typing)
+                return;
+            due = false;
+            if (Account.state === "expired")
+                Account.showSignIn();
+        }
+    }
+    Connections {
+        target: Account
+        function onExpired() {
+            expiry.due = true;
+            expiry.go();
+        }
+        function onSignOutQuestion(text) {
+            const dialog = signOutDialog.made();
+            dialog.text = text;
+            dialog.open();
+        }
+    }
+
     Connections {
         target: App
         function onSheetRequested(source, properties) { sheets.show(source, properties); }
@@ -144,6 +181,7 @@ T.ApplicationWindow {
             case "openShortcuts": shortcuts.made().open(); break;
             case "openAbout": about.made().open(); break;
             case "openHoursEditor": if (Maintenance.hasVessel) App.openSheet("maintenance/HoursSheet.qml"); break;
+            case "thalvornPromptChangePassword": App.openSheet("account/ChangePasswordSheet.qml", { compulsory: true }); break;
             case "goBack": App.back(); break;
             case "undoRequested": App.toast(Fleet.undoLast()); break;
             case "appearanceSystem": App.appearance = "system"; break;

@@ -9,6 +9,7 @@ T.Button {
     property string iconName
     property string tip
     property bool busy: false
+    property bool writes: false  // changes records: off where the user may only read
     property string trailingIcon
     property color fill: "transparent"
     property color fillHover: Theme.hover
@@ -86,6 +87,7 @@ T.Button {
         Behavior on color { ColorAnimation { duration: Theme.fast } }
     }
 
+    Binding { target: root; property: "enabled"; value: false; when: root.writes && App.readOnly }
     FocusRing {}
     HoverTip { text: root.tip; shown: root.hovered }
 }

@@ -16,6 +16,7 @@ ModalBase {
     property bool canSave: true
     property bool busy: false
     property bool covered: false  // by another sheet, which has the keys
+    property bool compulsory: false  // cannot be left; the footer offers another way out
     property string error
     property int sheetWidth: 760
     property string footNote
@@ -25,7 +26,7 @@ ModalBase {
     signal left()
 
     function leave() {
-        if (busy)
+        if (busy || compulsory)
             return;
         if (dirty)
             discard.open();
@@ -108,7 +109,7 @@ ModalBase {
                     AppText { text: root.title; variant: "subtitle"; Layout.fillWidth: true; Accessible.role: Accessible.Heading }
                     AppText { visible: root.subtitle.length > 0; text: root.subtitle; variant: "small"; Layout.fillWidth: true }
                 }
-                IconButton { id: closeButton; iconName: "x"; tip: "Close"; implicitWidth: 32; implicitHeight: 32; onClicked: root.leave() }
+                IconButton { id: closeButton; visible: !root.compulsory; iconName: "x"; tip: "Close"; implicitWidth: 32; implicitHeight: 32; onClicked: root.leave() }
             }
             Divider { Layout.fillWidth: true }
 
@@ -166,7 +167,7 @@ ModalBase {
                 Layout.rightMargin: Theme.sheetPadding
                 RowLayout { id: footSlot; visible: children.length > 0; spacing: Theme.space2 }
                 AppText { text: root.footNote; variant: "small"; Layout.fillWidth: true }
-                SecondaryButton { text: "Cancel"; onClicked: root.leave() }
+                SecondaryButton { visible: !root.compulsory; text: "Cancel"; onClicked: root.leave() }
                 PrimaryButton {
                     text: root.actionText
                     iconName: root.actionIcon

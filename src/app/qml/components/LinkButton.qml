@@ -10,6 +10,7 @@ T.Button {
     property string tip
     property color ink: Theme.accent
     property string variant: "smallMedium"
+    property bool writes: false  // changes records: off where the user may only read
 
     implicitHeight: Math.max(24, contentItem.implicitHeight)
     implicitWidth: Math.ceil(contentItem.implicitWidth)
@@ -43,6 +44,7 @@ T.Button {
         }
     }
 
+    Binding { target: root; property: "enabled"; value: false; when: root.writes && App.readOnly }
     HoverHandler { cursorShape: Qt.PointingHandCursor }
     FocusRing { offset: 2; radius: Theme.radiusSmall }
     HoverTip { text: root.tip; shown: root.hovered }

@@ -48,7 +48,9 @@ FocusScope {
             if (name === "findOnPage") {
                 if (!root.find())
                     App.post("openSearch");
-            } else if (refusals[name] !== undefined && !root.commands.includes(name))
+            } else if (name === "newRecord" && App.readOnly)
+                App.toast(App.readOnlyHint, "soon");
+            else if (refusals[name] !== undefined && !root.commands.includes(name))
                 App.toast(refusals[name]);
             else
                 root.posted(name);
@@ -86,6 +88,11 @@ FocusScope {
                 variant: "title"
                 Layout.maximumWidth: Math.max(120, head.width - (search.visible ? search.width : 0) - actionRow.width - 120)
                 Accessible.role: Accessible.Heading
+            }
+            StatusBadge {
+                visible: root.current && App.readOnly
+                text: "Read only"
+                HoverTip { text: App.readOnlyHint }
             }
             AppText {
                 visible: root.note.length > 0

@@ -38,8 +38,8 @@ ColumnLayout {
         spacing: Theme.space2
         Layout.fillWidth: true
         AppText { text: root.about.name ?? ""; variant: "subtitle"; wrapMode: Text.Wrap; Layout.fillWidth: true }
-        SecondaryButton { text: "Edit…"; iconName: "pencil-simple"; onClicked: root.editRequested() }
-        IconButton { iconName: "trash"; outlined: true; tip: "Delete…"; onClicked: root.deleteRequested() }
+        SecondaryButton { text: "Edit…"; writes: true; iconName: "pencil-simple"; onClicked: root.editRequested() }
+        IconButton { iconName: "trash"; outlined: true; writes: true; tip: "Delete…"; onClicked: root.deleteRequested() }
     }
     AppText { visible: root.shown && text.length > 0; text: root.about.notes ?? ""; color: Theme.mute; wrapMode: Text.Wrap; Layout.fillWidth: true }
     Repeater {

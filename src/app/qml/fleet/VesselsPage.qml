@@ -11,7 +11,7 @@ Page {
 
     title: "Manage Vessels"
     note: VesselList.count > 1 ? "Drag to arrange, or Alt+Up and Alt+Down" : ""
-    actions: [PrimaryButton { text: "Add vessel"; iconName: "plus"; tip: "Ctrl+N"; onClicked: root.edit("") }]
+    actions: [PrimaryButton { text: "Add vessel"; writes: true; iconName: "plus"; tip: "Ctrl+N"; onClicked: root.edit("") }]
     commands: ["newRecord"]
     onPosted: (name) => { if (name === "newRecord" || name === "addVesselRequested") root.edit(""); }
     onOpened: (args) => {
@@ -213,10 +213,10 @@ Page {
     OptionMenu {
         id: menu
         options: [
-            { value: "edit", text: "Edit…", icon: "pencil-simple" },
-            { value: "up", text: "Move up", icon: "caret-up" },
-            { value: "down", text: "Move down", icon: "caret-down" },
-            { value: "delete", text: "Delete…", icon: "trash", danger: true }
+            { value: "edit", text: "Edit…", icon: "pencil-simple", enabled: !App.readOnly },
+            { value: "up", text: "Move up", icon: "caret-up", enabled: !App.readOnly },
+            { value: "down", text: "Move down", icon: "caret-down", enabled: !App.readOnly },
+            { value: "delete", text: "Delete…", icon: "trash", danger: true, enabled: !App.readOnly }
         ]
         onPicked: (value) => {
             if (value === "edit")

@@ -56,8 +56,8 @@ FocusScope {
                 Icon { name: card.model.icon; color: Theme.mute }
                 AppText { text: card.model.title; variant: "strong"; Layout.fillWidth: true }
                 AppText { text: card.model.dateExact; variant: "smallMedium" }
-                IconButton { iconName: "pencil-simple"; tip: "Correct…"; implicitWidth: 30; implicitHeight: 30; onClicked: root.correctRequested(card.model.id) }
-                IconButton { iconName: "trash"; tip: "Delete"; implicitWidth: 30; implicitHeight: 30; onClicked: root.deleteRequested(card.model.id) }
+                IconButton { iconName: "pencil-simple"; tip: "Correct…"; writes: true; implicitWidth: 30; implicitHeight: 30; onClicked: root.correctRequested(card.model.id) }
+                IconButton { iconName: "trash"; tip: "Delete"; writes: true; implicitWidth: 30; implicitHeight: 30; onClicked: root.deleteRequested(card.model.id) }
             }
             RowLayout {
                 spacing: Theme.space6

@@ -50,7 +50,7 @@ ColumnLayout {
     RowLayout {
         visible: root.shown
         spacing: Theme.space2
-        SecondaryButton { text: "Correct…"; iconName: "pencil-simple"; onClicked: root.correctRequested() }
+        SecondaryButton { text: "Correct…"; writes: true; iconName: "pencil-simple"; onClicked: root.correctRequested() }
         IconButton {
             visible: (root.service.taskId ?? "") !== ""
             iconName: "wrench"
@@ -58,7 +58,7 @@ ColumnLayout {
             tip: "Show the task"
             onClicked: App.open("taskLibrary", { highlight: root.service.taskId })
         }
-        IconButton { iconName: "trash"; outlined: true; tip: "Delete"; onClicked: root.deleteRequested() }
+        IconButton { iconName: "trash"; outlined: true; writes: true; tip: "Delete"; onClicked: root.deleteRequested() }
     }
     Divider { visible: root.shown; Layout.fillWidth: true }
     ServiceBody { visible: root.shown; service: root.service; Layout.fillWidth: true }

@@ -37,6 +37,6 @@ Card {
     RowLayout {
         spacing: 5
         AppText { text: root.updated + " ·"; variant: "small" }
-        LinkButton { text: "Update readings"; implicitHeight: 20; enabled: root.meters.length > 0; onClicked: App.post("openHoursEditor") }
+        LinkButton { text: "Update readings"; writes: true; implicitHeight: 20; enabled: root.meters.length > 0; onClicked: App.post("openHoursEditor") }
     }
 }

@@ -13,7 +13,7 @@ Page {
     padding: 0
     actions: [
         SearchField { button: true; placeholder: "Search everything"; keyHint: "Ctrl K"; quiet: !Theme.dark; onClicked: App.post("openSearch"); Layout.preferredWidth: Math.max(180, Math.min(300, root.width - 460)) },
-        PrimaryButton { text: "New task"; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.newTask() }
+        PrimaryButton { text: "New task"; writes: true; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.newTask() }
     ]
     help: Component {
         AppText { text: "The counters open the tasks behind them. Work is judged by date and by hour meter: keep the meters up to date, and this page tells what is due next."; wrapMode: Text.Wrap }
@@ -64,7 +64,7 @@ Page {
             onSecond: App.post("openImportTasksCSV")
             Layout.fillWidth: true
         }
-        LinkButton { text: "New task"; iconName: "plus"; Layout.alignment: Qt.AlignHCenter; onClicked: root.newTask() }
+        LinkButton { text: "New task"; writes: true; iconName: "plus"; Layout.alignment: Qt.AlignHCenter; onClicked: root.newTask() }
     }
 
     Flickable {

@@ -169,6 +169,7 @@ Page {
                 id: importButton
                 text: TaskImport.importText
                 iconName: "check"
+                writes: true
                 enabled: TaskImport.canImport
                 onClicked: if (TaskImport.importTasks()) App.open("taskLibrary")
             }
@@ -185,7 +186,7 @@ Page {
         border.color: Theme.accent
         AppText { anchors.centerIn: parent; text: "Drop the file to read it"; variant: "subtitle" }
     }
-    Shortcut { sequences: ["Ctrl+S", "Ctrl+Return"]; enabled: root.current && root.visible && TaskImport.canImport; onActivated: importButton.clicked() }
+    Shortcut { sequences: ["Ctrl+S", "Ctrl+Return"]; enabled: root.current && root.visible && importButton.enabled; onActivated: importButton.clicked() }
     FileChooser {
         id: chooser
         title: "Import tasks from CSV"

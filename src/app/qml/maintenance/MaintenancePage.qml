@@ -15,8 +15,8 @@ Page {
     commands: ["newRecord", "printPage", "exportPage"]
     actions: [
         TaskListMenu { id: listMenu; list: root.board },
-        SecondaryButton { text: "Meters"; iconName: "gauge"; enabled: Maintenance.hasVessel; tip: "Ctrl+M"; onClicked: App.post("openHoursEditor") },
-        PrimaryButton { text: "New task"; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.posted("newRecord") }
+        SecondaryButton { text: "Meters"; writes: true; iconName: "gauge"; enabled: Maintenance.hasVessel; tip: "Ctrl+M"; onClicked: App.post("openHoursEditor") },
+        PrimaryButton { text: "New task"; writes: true; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.posted("newRecord") }
     ]
     help: Component { TaskHelp {} }
     onSearchEdited: (text) => board.search = text

@@ -182,9 +182,9 @@ Page {
         id: rowMenu
         property string serviceId
         options: [
-            { value: "correct", text: "Correct…", icon: "pencil-simple" },
+            { value: "correct", text: "Correct…", icon: "pencil-simple", enabled: !App.readOnly },
             { value: "task", text: "Show the task", icon: "wrench", enabled: (ServiceHistory.detail(serviceId).taskId ?? "") !== "" },
-            { value: "delete", text: "Delete", icon: "trash", danger: true }
+            { value: "delete", text: "Delete", icon: "trash", danger: true, enabled: !App.readOnly }
         ]
         onPicked: (value) => {
             if (value === "correct")

@@ -25,11 +25,11 @@ QtObject {
     }
     function options(snoozed) {
         return [
-            { value: "complete", text: "Mark complete & log", icon: "check" },
-            { value: "snooze", text: snoozed ? "Change the snooze…" : "Snooze this task…", icon: "bell-z" },
-            { value: "edit", text: "Edit…", icon: "pencil-simple" },
+            { value: "complete", text: "Mark complete & log", icon: "check", enabled: !App.readOnly },
+            { value: "snooze", text: snoozed ? "Change the snooze…" : "Snooze this task…", icon: "bell-z", enabled: !App.readOnly },
+            { value: "edit", text: "Edit…", icon: "pencil-simple", enabled: !App.readOnly },
             { separator: true },
-            { value: "delete", text: "Delete", icon: "trash", danger: true }
+            { value: "delete", text: "Delete", icon: "trash", danger: true, enabled: !App.readOnly }
         ];
     }
 }

@@ -83,9 +83,9 @@ ColumnLayout {
         spacing: Theme.space2
         Layout.fillWidth: true
         Layout.topMargin: Theme.space1
-        PrimaryButton { id: completeButton; text: "Mark complete & log"; iconName: "check"; onClicked: actions.complete(root.taskId) }
-        IconButton { iconName: "bell-z"; outlined: true; tip: root.task.snoozed === true ? "Snoozed — click to change" : "Snooze this task"; onClicked: actions.snooze(root.taskId) }
-        IconButton { iconName: "pencil-simple"; outlined: true; tip: "Edit"; onClicked: actions.edit(root.taskId) }
+        PrimaryButton { id: completeButton; writes: true; text: "Mark complete & log"; iconName: "check"; onClicked: actions.complete(root.taskId) }
+        IconButton { iconName: "bell-z"; outlined: true; writes: true; tip: root.task.snoozed === true ? "Snoozed — click to change" : "Snooze this task"; onClicked: actions.snooze(root.taskId) }
+        IconButton { iconName: "pencil-simple"; outlined: true; tip: "Edit"; writes: true; onClicked: actions.edit(root.taskId) }
         Item { Layout.fillWidth: true }
     }
 

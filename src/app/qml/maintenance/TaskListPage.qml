@@ -18,7 +18,7 @@ Page {
     commands: ["newRecord", "printPage", "exportPage"]
     actions: [
         TaskListMenu { id: listMenu; list: root.tasks },
-        PrimaryButton { text: "New task"; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.posted("newRecord") }
+        PrimaryButton { text: "New task"; writes: true; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.posted("newRecord") }
     ]
     help: Component { TaskHelp {} }
     onSearchEdited: (text) => tasks.search = text

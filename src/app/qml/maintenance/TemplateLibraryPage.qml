@@ -126,6 +126,7 @@ Page {
             }
             PrimaryButton {
                 text: "Add to My Tasks"
+                writes: true
                 iconName: "plus"
                 enabled: TemplateLibrary.chosenCount > 0
                 Layout.fillWidth: true

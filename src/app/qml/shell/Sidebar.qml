@@ -48,7 +48,7 @@ Rectangle {
             Layout.fillHeight: true
             clip: true
             boundsBehavior: Flickable.StopAtBounds
-            model: App.pages.filter((page) => page.inSidebar && !App.hiddenModules.includes(page.id))
+            model: App.pages.filter((page) => page.inSidebar && !App.hiddenModules.includes(page.id) && !App.closedPages.includes(page.id))
             activeFocusOnTab: true
             keyNavigationEnabled: true
             Keys.onReturnPressed: if (currentItem) currentItem.open()
@@ -67,6 +67,11 @@ Rectangle {
             }
         }
 
+        SyncState {
+            visible: Sync.shown
+            narrow: root.narrow
+            Layout.fillWidth: true
+        }
         SaveState {
             narrow: root.narrow
             Layout.fillWidth: true
