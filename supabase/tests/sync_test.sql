@@ -92,6 +92,12 @@ delete from public.saved_waypoints where id = test.thing('A saved_waypoints');
 delete from public.crew_board_posts where id = test.thing('A crew_board_posts');
 select is(test.try(who, 'select from public.deleted_records'), outcome, who || ' sees tombstones: ' || outcome)
 from (values ('viewer', '2'), ('readonly', '2'), ('hidden', '1'), ('inactive', '0'), ('stranger', '0'), ('anon', '42501')) people (who, outcome);
+
+-- A conflict note holds a whole record of another register, and is hidden with it.
+update public.conflict_notes set table_name = 'guest_profiles' where account_id = test.thing('A');
+select is(test.try(who, $$select from public.conflict_notes where account_id = test.thing('A')$$), outcome,
+          'conflict notes of a register are seen as the register is: ' || who)
+from (values ('viewer', '1'), ('readonly', '1'), ('hidden', '0'), ('inactive', '0'), ('stranger', '0'), ('anon', '42501')) people (who, outcome);
 select is(test.try('owner', statement), '42501', statement)
 from (values ('delete from public.deleted_records'), ('insert into public.deleted_records values (null)'), ('update public.deleted_records set record_id = null'),
   ('delete from public.account_changes'), ('update public.account_changes set version = 0')) statements (statement);
