@@ -7,14 +7,15 @@ Card {
     id: root
 
     property var conflict: ({})
+    readonly property string otherWithin: conflict.other === "You" ? "you" : conflict.other  // inside a sentence
 
     title: conflict.name || "Unnamed"
     note: "· " + conflict.kind
 
     AppText {
         text: root.conflict.deleted
-              ? root.conflict.kept + " deleted this record (" + Format.dateTime(root.conflict.keptAt) + ") while " + root.conflict.other + " changed it (" + Format.dateTime(root.conflict.otherAt) + "). It stays deleted; the changed version is kept here."
-              : root.conflict.kept + " and " + root.conflict.other + " changed this at the same time. The later change stands; the other is kept here."
+              ? root.conflict.kept + " deleted this record (" + Format.dateTime(root.conflict.keptAt) + ") while " + root.otherWithin + " changed it (" + Format.dateTime(root.conflict.otherAt) + "). It stays deleted; the changed version is kept here."
+              : root.conflict.kept + " and " + root.otherWithin + " changed this at the same time. The later change stands; the other is kept here."
         color: Theme.mute
         wrapMode: Text.Wrap
         Layout.fillWidth: true
@@ -47,6 +48,6 @@ Card {
         spacing: Theme.space2
         Layout.fillWidth: true
         SecondaryButton { text: "Keep as it is"; iconName: "check"; onClicked: Sync.keep(root.conflict.id) }
-        SecondaryButton { text: "Take back"; iconName: "arrow-u-up-left"; tip: root.conflict.deleted ? "Puts the record back as " + root.conflict.other + " had it" : "Puts the values of " + root.conflict.other + " back in"; onClicked: Sync.takeBack(root.conflict.id) }
+        SecondaryButton { text: "Take back"; iconName: "arrow-u-up-left"; tip: root.conflict.deleted ? "Puts the record back as " + root.otherWithin + " had it" : "Puts the other values back in"; onClicked: Sync.takeBack(root.conflict.id) }
     }
 }
