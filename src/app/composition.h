@@ -48,6 +48,7 @@ class Composition : public QObject {
   const QString& restoreFrom() const { return restoreFrom_; }
   const QString& storeFile() const { return storeFile_; }
   bool hasStore() const { return session_ != nullptr; }
+  const AppViewModel& store() const { return session_->model(); }
   MaintenanceController& maintenance() { return *maintenance_; }
   AccountController& account() { return *account_; }
 

@@ -44,6 +44,8 @@ void settle(QQuickWindow* window) {
   for (int round = 0; round < kRounds; ++round) {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents(QEventLoop::AllEvents);
+    // A form that another has replaced goes here, where no event loop runs that would see to it.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     if (round % 4 == 3) window->grabWindow();
   }
 }
@@ -73,6 +75,49 @@ QString saveWelcome(Composition& composition, const QString& folder, QStringView
   return fault;
 }
 
+struct Sheet {
+  const char16_t* name;
+  const char16_t* source;
+  const char16_t* key;  ///< of the record it opens; empty for none
+};
+
+constexpr std::array kSheets{
+    Sheet{u"sheet-task", u"maintenance/TaskSheet.qml", u"taskId"},
+    Sheet{u"sheet-complete", u"maintenance/CompleteSheet.qml", u"taskId"},
+    Sheet{u"sheet-snooze", u"maintenance/SnoozeSheet.qml", u"taskId"},
+    Sheet{u"sheet-hours", u"maintenance/HoursSheet.qml", u""},
+    Sheet{u"sheet-service", u"history/CorrectServiceSheet.qml", u"serviceId"},
+    Sheet{u"sheet-vessel", u"fleet/VesselSheet.qml", u"vesselId"},
+};
+
+/// The record of the selected vessel that a sheet is shown with.
+QString recordFor(const AppViewModel& store, QStringView key) {
+  const Uuid vessel = store.selectedVesselID().value_or(Uuid{});
+  std::string id;
+  if (key == u"vesselId") id = vessel.toString();
+  if (key == u"taskId")
+    for (const MaintenanceTask& task : store.tasks().records())
+      if (task.vesselID == vessel && id.empty()) id = task.id.toString();
+  if (key == u"serviceId")
+    for (const ServiceLog& log : store.logs().records())
+      if (log.vesselID == vessel && id.empty()) id = log.id.toString();
+  return QString::fromStdString(id);
+}
+
+/// The forms over the page from which they are opened.
+QString saveSheets(Composition& composition, const QString& folder, QStringView scheme) {
+  composition.app().open(QStringLiteral("maintenance"));
+  for (const Sheet& sheet : kSheets) {
+    const QString key = QString::fromUtf16(sheet.key);
+    QVariantMap properties;
+    if (!key.isEmpty()) properties[key] = recordFor(composition.store(), key);
+    composition.app().openSheet(QString::fromUtf16(sheet.source), properties);
+    const QString name = QStringLiteral("%1-%2.png").arg(QStringView(sheet.name), scheme);
+    if (QString fault = savePicture(composition, QDir(folder).filePath(name)); !fault.isEmpty()) return fault;
+  }
+  return {};
+}
+
 }  // namespace
 
 QString savePictures(Composition& composition, const QString& folder) {
@@ -92,6 +137,12 @@ QString savePictures(Composition& composition, const QString& folder) {
         if (const QString fault = savePicture(composition, QDir(folder).filePath(name)); !fault.isEmpty()) return fault;
       }
     }
+  }
+  // Last, since a form stays over the window.
+  composition.window()->resize(kSizes.front());
+  for (const char16_t* scheme : {u"light", u"dark"}) {
+    composition.app().showIn(QString::fromUtf16(scheme));
+    if (const QString fault = saveSheets(composition, folder, scheme); !fault.isEmpty()) return fault;
   }
   return {};
 }

@@ -60,7 +60,7 @@ ColumnLayout {
     AppText {
         text: root.forgotten ? "We send a link to your address. It opens this program, which then asks for the new password."
               : root.signingUp ? "If someone has invited you, use the address of the invitation: you then join that account."
-              : "On the fleet server " + Account.serverText + "."
+              : Account.hasServer ? "On the fleet server " + Account.serverText + "." : Account.serverText
         color: Theme.mute
         wrapMode: Text.Wrap
         Layout.fillWidth: true
