@@ -89,7 +89,7 @@ QString SyncController::text() const {
   const QString now = state();
   if (now == u"signIn") return QStringLiteral("Sign in again");
   if (now == u"syncing") return QStringLiteral("Syncing…");
-  const QString waiting = QStringLiteral("%1 waiting").arg(waitingCount());
+  QString waiting = QStringLiteral("%1 waiting").arg(waitingCount());
   if (now == u"offline") return waitingCount() > 0 ? QStringLiteral("Offline · ") + waiting : QStringLiteral("Offline");
   if (now == u"problem") return QStringLiteral("Not all synced");
   if (now == u"waiting") return waiting;
