@@ -90,6 +90,10 @@ int main(int argc, char* argv[]) {
     typing.time([&] { press(window, letter.toUpper().unicode(), Qt::NoModifier, QString(letter)); });
     for (int frame = 0; frame < 12; ++frame) drawOnce(window, typing);
   }
+  // The list follows a moment after the last letter.
+  const auto typed = std::chrono::steady_clock::now();
+  while (list->property("count").toInt() >= all && std::chrono::steady_clock::now() - typed < std::chrono::seconds(5))
+    drawOnce(window, typing);
   if (list->property("count").toInt() >= all) {
     std::fprintf(stderr, "what was typed did not reach the search field\n");
     return 1;

@@ -35,8 +35,8 @@ std::optional<T> fromEntries(const std::string& own, const std::string& extra) {
 }
 
 template <class T>
-std::optional<AnyRecord> anyRecord(const std::optional<T>& record) {
-  return record ? std::optional<AnyRecord>(*record) : std::nullopt;
+std::optional<AnyRecord> anyRecord(std::optional<T> record) {
+  return record ? std::optional<AnyRecord>(*std::move(record)) : std::nullopt;
 }
 
 void append(std::vector<EntryChange>& to, std::optional<AnyRecord> before, std::optional<AnyRecord> after, bool sent) {
@@ -141,8 +141,8 @@ Saving AppViewModel::takeFromBackend(std::vector<FromBackend<T>> records, Edit a
   for (FromBackend<T>& record : records) {
     const T* stored = collection<T>().find(record.id);
     const std::optional<AnyRecord> current = stored ? std::optional<AnyRecord>(*stored) : std::nullopt;
-    const std::optional<AnyRecord> theirs = anyRecord(record.theirs);
-    const std::optional<AnyRecord> merged = anyRecord(record.merged);
+    const std::optional<AnyRecord> theirs = anyRecord(std::move(record.theirs));
+    const std::optional<AnyRecord> merged = anyRecord(std::move(record.merged));
     append(entry.changes, current, theirs, true);
     append(entry.changes, theirs, merged, false);
     if (current != merged) inMemory.changes.push_back({current, merged});

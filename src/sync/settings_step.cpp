@@ -81,18 +81,19 @@ int settingsWaiting(const AppViewModel& model) {
 }
 
 SBTask<void> uploadSettings(SyncRunPtr run, RunToken token) {
-  const auto stored = co_await readSettings(run);
-  if (!stored) co_return std::unexpected(stored.error());
+  const auto read = co_await readSettings(run);
+  if (!read) co_return std::unexpected(read.error());
   if (token.isOver()) co_return {};
+  const std::optional<SBUserSettingsRow> stored = *read;
   // What nobody has agreed on yet gives way to what is there already: a new computer does not reset the others.
   const bool isNewHere = !run->model.cache().preference(key(run->model, kAgreed));
-  if (*stored && (isNewHere || (*stored)->updatedAt > agreedAt(run->model))) co_return {};
+  if (stored && (isNewHere || stored->updatedAt > agreedAt(run->model))) co_return {};
   SBUserSettingsRow row = settingsHere(run->model);
   row.updatedAt = run->client.serverNow();
   row.appVersion = THALVORN_VERSION;
-  if (*stored) {
-    row.extraJson = (*stored)->extraJson;
-    row.seenVersion = (*stored)->serverVersion;
+  if (stored) {
+    row.extraJson = stored->extraJson;
+    row.seenVersion = stored->serverVersion;
   }
   const std::string body =
       rowsToJson(std::vector{row}, run->schema.ownColumns ? RowColumns::all : RowColumns::standard);
@@ -103,15 +104,16 @@ SBTask<void> uploadSettings(SyncRunPtr run, RunToken token) {
 }
 
 SBTask<bool> downloadSettings(SyncRunPtr run, RunToken token) {
-  const auto stored = co_await readSettings(run);
-  if (!stored) co_return std::unexpected(stored.error());
+  const auto read = co_await readSettings(run);
+  if (!read) co_return std::unexpected(read.error());
   if (token.isOver()) co_return false;
-  if (*stored && ((*stored)->updatedAt > agreedAt(run->model) || settingsWaiting(run->model) > 0)) {
-    apply(run->model, **stored);
+  const std::optional<SBUserSettingsRow> stored = *read;
+  if (stored && (stored->updatedAt > agreedAt(run->model) || settingsWaiting(run->model) > 0)) {
+    apply(run->model, *stored);
     SBUserSettingsRow now = settingsHere(run->model);
-    now.updatedAt = (*stored)->updatedAt;
+    now.updatedAt = stored->updatedAt;
     agree(run->model, now);
-    run->log.say("⚙️ user settings: applied newer remote (" + formatTimestamp((*stored)->updatedAt) + ")");
+    run->log.say("⚙️ user settings: applied newer remote (" + formatTimestamp(stored->updatedAt) + ")");
   } else {
     run->log.say("⚙️ user settings: local in sync");
   }

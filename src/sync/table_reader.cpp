@@ -12,11 +12,11 @@ SBError unreadable() { return SBError::server(200, QStringLiteral("Invalid JSON 
 
 }  // namespace
 
-SBTask<Download> readTable(SupabaseClient& client, TableQuery query, std::string_view order, TakePage take,
+SBTask<Download> readTable(SupabaseClient* client, TableQuery query, std::string_view order, TakePage take,
                            RunToken token) {
   const std::string clause(order);
   Download download;
-  const auto first = co_await client.read(TableQuery(query).order(clause), true);
+  const auto first = co_await client->read(TableQuery(query).order(clause), true);
   if (!first) co_return std::unexpected(first.error());
   if (token.isOver()) co_return download;
   const int fresh = co_await take(first->rows);
@@ -38,7 +38,7 @@ SBTask<Download> readTable(SupabaseClient& client, TableQuery query, std::string
   while (next < total || !underWay.empty()) {
     while (next < total && underWay.size() < kPagesAtOnce) {
       const bool isLast = next + page >= total;
-      underWay.push_back(client.read(TableQuery(query).order(stable).limit(page).offset(next), isLast));
+      underWay.push_back(client->read(TableQuery(query).order(stable).limit(page).offset(next), isLast));
       next += page;
     }
     const auto reply = co_await underWay.front();
@@ -48,7 +48,7 @@ SBTask<Download> readTable(SupabaseClient& client, TableQuery query, std::string
     const int rows = co_await take(reply->rows);
     if (rows < 0) co_return std::unexpected(unreadable());
     download.rows += static_cast<std::size_t>(rows);
-    if (reply->total) last = *reply->total;
+    last = reply->total.value_or(last);
   }
   download.complete = last == total && static_cast<std::int64_t>(download.rows) == total;
   co_return download;

@@ -24,7 +24,7 @@ using TakePage = std::function<QCoro::Task<int>(QByteArray rows)>;
 /// Reads every row of `query` in the table's own `order`. What does not fit into the first reply (servers cut silently)
 /// is read in pages of that reply's length, ordered by `id` last, six at a time. Pages are handed over as they come; a
 /// failure leaves those before it taken.
-SBTask<Download> readTable(SupabaseClient& client, TableQuery query, std::string_view order, TakePage take,
+SBTask<Download> readTable(SupabaseClient* client, TableQuery query, std::string_view order, TakePage take,
                            RunToken token);
 
 }  // namespace thalvorn

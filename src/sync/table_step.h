@@ -201,7 +201,7 @@ SBTask<bool> downloadRows(SyncRunPtr run, RunToken token) {
   Download download{.rows = 0, .complete = true};
   for (const Uuid& owner : ownersOf<T>(*run)) {
     const auto read = co_await readTable(
-        run->client, ownRows<T>(owner), RowKind<T>::facts.order,
+        &run->client, ownRows<T>(owner), RowKind<T>::facts.order,
         [gathered](QByteArray rows) { return takePage<T>(gathered, std::move(rows)); }, token);
     if (gathered->failure) co_return std::unexpected(*gathered->failure);
     if (!read) co_return std::unexpected(read.error());

@@ -30,7 +30,7 @@ template <class P>
 SBTask<std::vector<RowOf<P>>> readPart(SyncRunPtr run, std::vector<Uuid> periods) {
   const auto gathered = std::make_shared<Gathered<P>>();
   const auto read = co_await readTable(
-      run->client, TableQuery(RowKind<P>::facts.table).eq("account_id", run->accountID).in("yard_period_id", periods),
+      &run->client, TableQuery(RowKind<P>::facts.table).eq("account_id", run->accountID).in("yard_period_id", periods),
       {}, [gathered](QByteArray rows) { return gather<P>(gathered, std::move(rows)); }, run->token);
   if (!read) co_return std::unexpected(read.error());
   if (!read->complete) co_return std::unexpected(SBError::network(QStringLiteral("The download was cut short")));

@@ -26,7 +26,7 @@ QByteArray canned(int status, const char* body, const char* header = "") {
 }
 
 /// So that each message has a connection of its own.
-QByteArray closing(QByteArray message) {
+QByteArray closing(const QByteArray& message) {
   const qsizetype firstLine = message.indexOf("\r\n");
   const qsizetype head = message.indexOf("\r\n\r\n");
   QByteArray lines = message.mid(firstLine, head - firstLine);
