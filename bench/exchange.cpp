@@ -3,9 +3,11 @@
 // the bare upsert.
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <SQLiteCpp/VariadicBind.h>
 #include <curl/curl.h>
 
 #include <QCoreApplication>
+#include <QCoroFuture>
 #include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <filesystem>
