@@ -111,6 +111,7 @@ QCoro::Task<void> CloudSession::signOut() {
   model_.clear();
   model_.setAccountID({});
   model_.setMembership(std::nullopt);
+  files_->forgetDownloads();
   co_await client_->signOut();
   if (*alive) Q_EMIT changed();
 }

@@ -30,6 +30,8 @@ class FileSync : public QObject {
 
   /// Starts on what waits, both ways; when somebody has signed in, or the network has come back.
   void start();
+  /// Another user may sign in next: nothing that was fetched for this one stays in the cache of downloads.
+  void forgetDownloads() { cache_.clear(); }
   const FileTransferQueue& queue() const { return *queue_; }
 
   /// A file that a record names.

@@ -316,8 +316,12 @@ QCoro::Task<void> SyncManager::work(SyncRunPtr run, Extent extent) {
   }
 
   for (const Step& step : kSteps) {
-    if (const auto later = notBefore_.find(step.table); later != notBefore_.end() && later->second > timing_.elapsed())
+    if (const auto later = notBefore_.find(step.table);
+        later != notBefore_.end() && later->second > timing_.elapsed()) {
+      run->problems.push_back(
+          {std::string(step.table), {}, "The server is busy and asked to wait; it is tried again."});
       continue;
+    }
     bool download = false;
     std::optional<std::int64_t> version;
     if (extent != Extent::uploads) {
@@ -343,6 +347,7 @@ QCoro::Task<void> SyncManager::work(SyncRunPtr run, Extent extent) {
       const SBError& error = done->error();
       log_.say("⚠️ " + std::string(step.label) + ": " + error.logLine().toStdString());
       run->problems.push_back({std::string(step.table), {}, error.text.toStdString()});
+      if (error.retryAfter) run->notBefore[std::string(step.table)] = timing_.elapsed() + *error.retryAfter;
       run->lostConnection = endsRun(error);
       if (run->lostConnection) co_return;
     } else if (**done && version) {
