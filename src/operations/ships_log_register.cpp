@@ -1,0 +1,10 @@
+#include "operations/ships_log_register.h"
+
+namespace thalvorn {
+
+std::string routeText(const ShipsLogEntry& entry) {
+  if (entry.departurePort.empty() || entry.arrivalPort.empty()) return entry.departurePort + entry.arrivalPort;
+  return entry.departurePort + " → " + entry.arrivalPort;
+}
+
+}  // namespace thalvorn
