@@ -26,6 +26,8 @@ class SearchWords {
   /// True when nothing was typed; then everything matches.
   bool empty() const { return words_.empty(); }
   bool matches(std::initializer_list<std::string_view> texts);
+  /// Folded; none is empty or has a blank in it.
+  const std::vector<std::string>& words() const { return words_; }
 
  private:
   std::vector<std::string> words_;
