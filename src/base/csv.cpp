@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "base/utf8.h"
+
 namespace thalvorn {
 namespace {
 
@@ -36,45 +38,12 @@ bool needsFormulaGuard(std::string_view text) {
   return first != std::string_view::npos && startsFormula(text[first]);
 }
 
-void appendUtf8(std::string& out, char32_t code) {
-  if (code < 0x80) {
-    out += static_cast<char>(code);
-  } else if (code < 0x800) {
-    out += static_cast<char>(0xC0 | (code >> 6));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    out += static_cast<char>(0xE0 | (code >> 12));
-    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (code >> 18));
-    out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  }
-}
-
-bool isUtf8(std::string_view text) {
-  for (std::size_t i = 0; i < text.size();) {
-    const auto lead = static_cast<unsigned char>(text[i]);
-    const std::size_t length = lead < 0x80 ? 1 : (lead & 0xE0) == 0xC0 ? 2 : (lead & 0xF0) == 0xE0 ? 3 : 4;
-    if (lead >= 0x80 && (lead < 0xC2 || lead > 0xF4)) return false;
-    if (i + length > text.size()) return false;
-    for (std::size_t k = 1; k < length; ++k) {
-      if ((static_cast<unsigned char>(text[i + k]) & 0xC0) != 0x80) return false;
-    }
-    i += length;
-  }
-  return true;
-}
-
 std::string fromUtf16(std::string_view bytes, bool bigEndian) {
   const auto unit = [&](std::size_t i) {
     const auto first = static_cast<unsigned char>(bytes[i]);
     const auto second = static_cast<unsigned char>(bytes[i + 1]);
     return static_cast<char32_t>(bigEndian ? first << 8 | second : second << 8 | first);
   };
-  constexpr char32_t replacement = 0xFFFD;
   std::string out;
   out.reserve(bytes.size());
   for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
@@ -83,7 +52,7 @@ std::string fromUtf16(std::string_view bytes, bool bigEndian) {
       code = 0x10000 + ((code - 0xD800) << 10) + (unit(i + 2) - 0xDC00);
       i += 2;
     }
-    appendUtf8(out, code >= 0xD800 && code < 0xE000 ? replacement : code);
+    appendUtf8(out, code >= 0xD800 && code < 0xE000 ? replacementCharacter : code);
   }
   return out;
 }

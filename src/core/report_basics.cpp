@@ -28,6 +28,7 @@ Document reportOf(std::string title, const Vessel& vessel, const VesselProfile& 
 }
 
 std::string reportFileName(const Document& document) {
+  if (!document.fileName.empty()) return safeFileName(document.fileName);
   return safeFileName(document.vesselName.empty() ? document.title : document.title + " — " + document.vesselName);
 }
 

@@ -16,6 +16,8 @@ constexpr std::pair<double, double> a4 = {595.276, 841.89};
 constexpr std::pair<double, double> letter = {612, 792};
 constexpr double columnGap = 16;
 constexpr double labelGap = 8;
+constexpr double oneLine = 1e6;  ///< wider than any text
+constexpr std::string_view footSeparator = "   |   ";
 
 std::string joined(const std::vector<std::string_view>& parts, std::string_view separator) {
   std::string text;
@@ -50,12 +52,13 @@ PageFlow::PageFlow(const Document& document, const Typesetter& typesetter, Paged
   runningTop_ = paper::topMargin +
                 static_cast<double>(runningLines_.size()) * paper::facts(TextStyle::captionStrong).lineHeight +
                 (runningParticulars_.empty() ? 0 : paper::facts(TextStyle::caption).lineHeight) + 10;
+  measureFoot();
   layout_.pages.emplace_back();
   firstHead();
   top_ = y_;
 }
 
-double PageFlow::bottom() const { return layout_.height - paper::bottomMargin - paper::footHeight; }
+double PageFlow::bottom() const { return layout_.height - paper::bottomMargin - footHeight(); }
 
 double PageFlow::fullPage() const { return bottom() - runningTop_; }
 
@@ -92,7 +95,7 @@ void PageFlow::putLine(const TextLine& line, double x, double y, double room, Te
 
 void PageFlow::putText(std::string_view text, double x, double y, double room, TextStyle style, Alignment alignment) {
   std::vector<TextLine> lines;
-  typesetter_.wrap(text, style, 1e6, lines);
+  typesetter_.wrap(text, style, oneLine, lines);
   if (!lines.empty()) putLine(lines.front(), x, y, room, style, alignment);
 }
 
@@ -105,7 +108,7 @@ void PageFlow::firstHead() {
   const auto& title = paper::facts(TextStyle::title);
   const auto& subtitle = paper::facts(TextStyle::subtitle);
   std::vector<std::string_view> notes;
-  if (!document_.generatedLine.empty()) notes.push_back(document_.generatedLine);
+  if (!document_.generatedLine.empty() && document_.headLine.empty()) notes.push_back(document_.generatedLine);
   notes.insert(notes.end(), document_.headNotes.begin(), document_.headNotes.end());
   double notesWidth = 0;
   for (const auto note : notes) notesWidth = std::max(notesWidth, typesetter_.width(note, TextStyle::subtitle));
@@ -122,8 +125,9 @@ void PageFlow::firstHead() {
     y += title.lineHeight;
   }
   lines.clear();
-  typesetter_.wrap(keep(joined({document_.vesselName, document_.period}, "  ·  ")), TextStyle::subtitle,
-                   width() - notesWidth - columnGap, lines);
+  const auto headLine = document_.headLine.empty() ? keep(joined({document_.vesselName, document_.period}, "  ·  "))
+                                                   : std::string_view(document_.headLine);
+  typesetter_.wrap(headLine, TextStyle::subtitle, width() - notesWidth - columnGap, lines);
   y += 2;
   for (const auto& line : lines) {
     putLine(line, left(), y, width(), TextStyle::subtitle, Alignment::left);
@@ -165,38 +169,47 @@ void PageFlow::runningHead() {
   putText(runningParticulars_, left(), y, width(), TextStyle::caption);
 }
 
+void PageFlow::measureFoot() {
+  const std::string_view label = document_.pageLabel.empty() ? document_.title : document_.pageLabel;
+  pageLabel_ = joined({label, "Page "}, footSeparator);
+  const auto numberWidth = [&] { return typesetter_.width(pageLabel_ + "8888 of 8888", TextStyle::caption); };
+  if (numberWidth() > width() / 2) pageLabel_ = "Page ";
+  const double room = width() - numberWidth() - columnGap;
+  auto line = document_.footLine;
+  if (line.empty()) {
+    const auto owner = joined({document_.footer, document_.vesselName}, footSeparator);
+    line = joined({owner, document_.generatedLine}, footSeparator);
+    if (typesetter_.width(line, TextStyle::caption) > room) line = joined({owner, document_.generatedLine}, "\n");
+  }
+  typesetter_.wrap(keep(std::move(line)), TextStyle::caption, room, footLines_);
+}
+
+double PageFlow::footHeight() const {
+  const auto lines = static_cast<double>(std::max<std::size_t>(footLines_.size(), 1));
+  return paper::footHeight + (lines - 1) * paper::facts(TextStyle::caption).lineHeight;
+}
+
 void PageFlow::finish() {
-  const double y = layout_.height - paper::bottomMargin - paper::footHeight + 8;
+  const auto& facts = paper::facts(TextStyle::caption);
+  const double rule = layout_.height - paper::bottomMargin - footHeight() + 8;
   const auto pages = layout_.pages.size();
-  const auto left = keep(joined({document_.footer, document_.vesselName, document_.generatedLine}, "   |   "));
-  const double leftWidth = typesetter_.width(left, TextStyle::caption);
+  const auto put = [&](Page& page, const TextLine& line, double x, double top) {
+    page.texts.push_back({line.text, static_cast<float>(x),
+                          static_cast<float>(top + (facts.lineHeight + 0.73 * facts.size) / 2),
+                          static_cast<float>(line.width), TextStyle::caption, line.plain, false});
+  };
   for (std::size_t i = 0; i < pages; ++i) {
-    const std::string number = fmt::format("Page {} of {}", i + 1, pages);
-    auto right = keep(joined({document_.title, number}, "   |   "));
-    double rightWidth = typesetter_.width(right, TextStyle::caption);
-    if (leftWidth + rightWidth + columnGap > width()) {
-      right = keep(number);
-      rightWidth = typesetter_.width(right, TextStyle::caption);
-    }
-    std::vector<TextLine> lines;
-    typesetter_.wrap(left, TextStyle::caption, width() - rightWidth - columnGap, lines);
     auto& page = layout_.pages[i];
-    page.lines.push_back({static_cast<float>(this->left()), static_cast<float>(y),
-                          static_cast<float>(this->left() + width()), static_cast<float>(y), LineStyle::hairline});
-    const auto put = [&](const TextLine& line, double x, double top) {
-      const auto& facts = paper::facts(TextStyle::caption);
-      page.texts.push_back({line.text, static_cast<float>(x),
-                            static_cast<float>(top + (facts.lineHeight + 0.73 * facts.size) / 2),
-                            static_cast<float>(line.width), TextStyle::caption, line.plain, false});
-    };
-    double top = y + 5;
-    for (const auto& line : lines) {
-      put(line, this->left(), top);
-      top += paper::facts(TextStyle::caption).lineHeight;
+    page.lines.push_back({static_cast<float>(left()), static_cast<float>(rule), static_cast<float>(left() + width()),
+                          static_cast<float>(rule), LineStyle::hairline});
+    double top = rule + 5;
+    for (const auto& line : footLines_) {
+      put(page, line, left(), top);
+      top += facts.lineHeight;
     }
-    lines.clear();
-    typesetter_.wrap(right, TextStyle::caption, 1e6, lines);
-    for (const auto& line : lines) put(line, this->left() + width() - line.width, y + 5);
+    std::vector<TextLine> number;
+    typesetter_.wrap(keep(fmt::format("{}{} of {}", pageLabel_, i + 1, pages)), TextStyle::caption, oneLine, number);
+    for (const auto& line : number) put(page, line, left() + width() - line.width, rule + 5);
   }
 }
 

@@ -53,6 +53,8 @@ class PageFlow {
   void finish();
 
  private:
+  void measureFoot();
+  double footHeight() const;
   void firstHead();
   void runningHead();
   void particularsBox(const VesselParticulars& particulars);
@@ -65,6 +67,8 @@ class PageFlow {
   double runningTop_ = 0;
   std::vector<TextLine> runningLines_;
   std::string_view runningParticulars_;
+  std::vector<TextLine> footLines_;
+  std::string pageLabel_;  ///< of the foot, up to the page's number
 };
 
 /// Sets labels and values side by side in columns; one call per row of the grid.

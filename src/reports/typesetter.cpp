@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/utf8.h"
+
 namespace thalvorn {
 namespace {
 
@@ -21,29 +23,6 @@ constexpr int pictureSize = 128;
 constexpr double pictureBaseline = 0.8;
 /// Wider than any line, so that a line already wrapped is not broken again.
 constexpr double unlimited = 1e6;
-
-struct CodePoint {
-  char32_t value;
-  std::size_t length;
-};
-
-/// The code point at the start of `text`, which is not empty; malformed bytes count as one unknown character each.
-CodePoint decode(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const auto tail = [&](std::size_t i) { return i < text.size() && (byte(i) & 0xC0) == 0x80; };
-  const unsigned char lead = byte(0);
-  if (lead < 0x80) return {lead, 1};
-  if (lead >= 0xC2 && lead < 0xE0 && tail(1)) return {char32_t(lead & 0x1F) << 6 | (byte(1) & 0x3F), 2};
-  if ((lead & 0xF0) == 0xE0 && tail(1) && tail(2)) {
-    return {char32_t(lead & 0x0F) << 12 | char32_t(byte(1) & 0x3F) << 6 | (byte(2) & 0x3F), 3};
-  }
-  if (lead >= 0xF0 && lead < 0xF5 && tail(1) && tail(2) && tail(3)) {
-    return {
-        char32_t(lead & 0x07) << 18 | char32_t(byte(1) & 0x3F) << 12 | char32_t(byte(2) & 0x3F) << 6 | (byte(3) & 0x3F),
-        4};
-  }
-  return {0xFFFD, 1};
-}
 
 /// Combining marks, joiners and direction marks: characters that act on their neighbours.
 bool actsOnNeighbours(char32_t code) {
@@ -61,7 +40,7 @@ QString toQString(std::string_view text) { return QString::fromUtf8(text.data(),
 std::size_t bytesOf(std::string_view text, qsizetype units) {
   std::size_t bytes = 0;
   while (units > 0 && bytes < text.size()) {
-    const auto code = decode(text.substr(bytes));
+    const auto code = decodeUtf8(text.substr(bytes));
     units -= code.value >= 0x10000 ? 2 : 1;
     bytes += code.length;
   }
@@ -134,7 +113,7 @@ Typesetter::Measured Typesetter::measure(std::string_view text, TextStyle style)
   double em = 0;
   for (std::size_t at = 0; at < text.size();) {
     const auto lead = static_cast<unsigned char>(text[at]);
-    const auto code = lead < 0x80 ? CodePoint{lead, 1} : decode(text.substr(at));
+    const auto code = lead < 0x80 ? CodePoint{lead, 1} : decodeUtf8(text.substr(at));
     if (code.value >= tableSize || advances[code.value] < 0) return {};
     em += static_cast<double>(advances[code.value]);
     at += code.length;
@@ -181,7 +160,7 @@ void Typesetter::wrapPlain(std::string_view text, TextStyle style, double width,
   double used = 0;
   double usedAtBreak = 0;
   for (std::size_t at = 0; at < text.size();) {
-    const auto code = decode(text.substr(at));
+    const auto code = decodeUtf8(text.substr(at));
     const double advance = static_cast<double>(advances[code.value]) * facts.size;
     if (used + advance > width && code.value != ' ' && at > start) {
       const bool wordFits = lastBreak > start;
@@ -276,7 +255,6 @@ void Typesetter::drawEmoji(QPainter& painter, QPointF baseline, const QString& e
   constexpr double size = 1.15;  // of the blank left for it: the picture has a margin of its own
   painter.drawImage(QRectF(baseline.x() - (size - 1) / 2 * em, baseline.y() - 0.93 * em, size * em, size * em),
                     pictureOf(emoji));
-  if (painter.paintEngine()->type() != QPaintEngine::Pdf) return;
   if (painter.paintEngine()->type() != QPaintEngine::Pdf) return;
   const auto known = std::ranges::find(emojiDrawn_, emoji);
   const auto index = known - emojiDrawn_.begin();

@@ -11,6 +11,7 @@
 
 #include "core/service_history_report.h"
 #include "core/work_list_report.h"
+#include "read_back.h"
 #include "reports/document/document_text.h"
 #include "sample_documents.h"
 
@@ -18,37 +19,6 @@ namespace thalvorn {
 namespace {
 
 using testing::HasSubstr;
-
-/// What another program reads from a PDF.
-std::string outputOf(const QString& program, const QStringList& options, const QByteArray& pdf) {
-  QTemporaryDir folder;
-  const QString path = folder.filePath(QStringLiteral("report.pdf"));
-  QFile file(path);
-  if (!file.open(QIODevice::WriteOnly) || file.write(pdf) != pdf.size()) return "not written";
-  file.close();
-  QProcess process;
-  const bool toOutput = program == QLatin1String("pdftotext");
-  process.start(program, options + QStringList(path) + QStringList(toOutput ? 1 : 0, QStringLiteral("-")));
-  if (!process.waitForFinished() || process.exitCode() != 0)
-    return "not read: " + process.readAllStandardError().toStdString();
-  return process.readAllStandardOutput().toStdString();
-}
-
-std::string textOf(const QByteArray& pdf, const QStringList& options = {QStringLiteral("-layout")}) {
-  return outputOf(QStringLiteral("pdftotext"), options, pdf);
-}
-
-QByteArray pdfOf(const Document& document) {
-  auto pdf = renderPdf(document);
-  EXPECT_TRUE(pdf) << (pdf ? "" : pdf.error().message.toStdString());
-  return pdf.value_or(QByteArray());
-}
-
-std::size_t count(std::string_view text, std::string_view part) {
-  std::size_t found = 0;
-  for (auto at = text.find(part); at != text.npos; at = text.find(part, at + 1)) ++found;
-  return found;
-}
 
 /// The share of dark pixels in a strip of a picture.
 double inkIn(const QImage& image, const QRect& strip) {
@@ -287,17 +257,46 @@ TEST(PdfRenderer, OddDocumentsStillPrint) {
   EXPECT_GE(count(text, "y"), 40 * 500);
 }
 
+TEST(PdfRenderer, WordsHeadAndFootAsTheDocumentAsks) {
+  const auto sees = [](const Document& document, std::string_view part) {
+    return textOf(pdfOf(document), {QStringLiteral("-raw")}).find(part) != std::string::npos;
+  };
+  Document document = sampleRegister(60);
+  document.title = "⛽  Fuel Bunkering Report";
+  document.vesselName = "Motor Yacht Meridian of the Southern Seas";
+  EXPECT_TRUE(sees(document, "⛽"));
+  EXPECT_TRUE(sees(document, "Fuel Bunkering Report | Page 2 of 4"));
+  EXPECT_TRUE(sees(document, "Thalvorn Yacht Systems | Motor Yacht Meridian of the Southern Seas"));
+  document.orientation = Orientation::portrait;
+  EXPECT_TRUE(sees(document, "Fuel Bunkering Report | Page 2 of 3"));
+
+  document.headLine = "Vessel: Meridian · Generated: 21 Nov 2026 09:40 UTC · Passages: 60";
+  document.footLine = "Thalvorn Yacht Systems · Meridian · Exported: Sat Nov 21, 2026 at 09:40";
+  document.pageLabel = "Fuel";
+  document.generatedLine = "printed twice?";
+  EXPECT_TRUE(sees(document, document.headLine));
+  EXPECT_TRUE(sees(document, document.footLine));
+  EXPECT_TRUE(sees(document, "Fuel | Page 2 of 3"));
+  EXPECT_FALSE(sees(document, document.generatedLine));
+}
+
 TEST(DocumentText, FileNamesSuitEveryFileSystem) {
   EXPECT_EQ(safeFileName("Ship's Log — M/Y Meridian: 1/9/2026"), "Ship's Log — M Y Meridian 1 9 2026");
-  EXPECT_EQ(safeFileName("con"), "_con");
-  EXPECT_EQ(safeFileName("LPT1.report"), "_LPT1.report");
+  for (const auto* device : {"con", "LPT1.report", "com¹", "NUL .txt", "conin$"})
+    EXPECT_EQ(safeFileName(device), std::string("_") + device);
   EXPECT_EQ(safeFileName("conning"), "conning");
   EXPECT_EQ(safeFileName("...hidden. "), "hidden");
   EXPECT_EQ(safeFileName("\n\"?\""), "Report");
+  EXPECT_EQ(safeFileName("⛽  Fuel\tBunkering\u0085Report \u202Egnp.\xC3"), "⛽ Fuel Bunkering Report gnp");
   std::string anchors;
   for (int i = 0; i < 60; ++i) anchors += "⚓";
   EXPECT_EQ(safeFileName(anchors), anchors.substr(0, 120));
   EXPECT_EQ(safeFileName("x" + anchors), "x" + anchors.substr(0, 117));
+  EXPECT_EQ(safeFileName(anchors, " Ships Log"), anchors.substr(0, 108) + " Ships Log");
+  EXPECT_EQ(safeFileName(std::string(100, 'x') + "👩🏽‍🔧" + "é" + std::string(20, 'y')),
+            std::string(100, 'x') + "👩🏽‍🔧" + "é" + "yyy");
+  EXPECT_EQ(safeFileName(std::string(110, 'x') + "👩🏽‍🔧"), std::string(110, 'x'));
+  EXPECT_EQ(safeFileName(std::string(118, 'x') + "e\u0301"), std::string(118, 'x'));
 }
 
 }  // namespace

@@ -157,6 +157,14 @@ struct Document {
   std::vector<Block> blocks{};
   std::string footer = "Thalvorn Yacht Systems";
   std::string generatedLine{};  ///< time of printing as people read it; see `generatedLine()`
+  /// A line of the document's own below the title, which then stands alone there: in place of vessel, period and time
+  /// of printing.
+  std::string headLine{};
+  /// The left of each foot in the document's own words, in place of footer, vessel and time of printing.
+  std::string footLine{};
+  /// What stands before "   |   Page 2 of 5" at the right of each foot; the title when empty.
+  std::string pageLabel{};
+  std::string fileName{};       ///< offered for its file, without ending, when it is not title and vessel
   Timestamp generatedAt{};      ///< the dates inside the file: the same document at the same time gives the same bytes
   std::string language = "en";  ///< BCP 47 tag for screen readers
   PaperSize paper = PaperSize::a4;

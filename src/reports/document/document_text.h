@@ -18,9 +18,10 @@ std::vector<LabeledText> labeled(const VesselParticulars& particulars);
 /// The particulars on one line for the head of the pages after the first, without those that are empty.
 std::string particularsLine(const VesselParticulars& particulars);
 
-/// A name every file system takes for a report with this title, without ending: characters that some system refuses
-/// become blanks, reserved names are set apart, and it is at most 120 bytes long, cut between characters. Scripts,
-/// accents and dashes stay.
-std::string safeFileName(std::string_view title);
+/// A name every file system takes for a report with this title, without ending: what some system refuses becomes a
+/// blank, reserved names are set apart, and it is at most 120 bytes long, cut between characters as people see them.
+/// All scripts, accents, dashes and emoji stay. `end` is put behind the title and kept when that has to be cut, such as
+/// " Ships Log" behind a vessel's name.
+std::string safeFileName(std::string_view title, std::string_view end = {});
 
 }  // namespace thalvorn
