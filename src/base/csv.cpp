@@ -201,22 +201,31 @@ void CsvWriter::startCell() {
 
 CsvWriter& CsvWriter::text(std::string_view value) {
   startCell();
-  const bool guarded = needsFormulaGuard(value);
   const bool padded = !value.empty() && (value.front() == ' ' || value.back() == ' ');
   const char special[] = {static_cast<char>(format_.separator), '"', '\r', '\n'};
   if (!padded && value.find_first_of(std::string_view(special, sizeof special)) == std::string_view::npos) {
-    if (guarded) out_ += '\'';
+    if (needsFormulaGuard(value)) out_ += '\'';
     out_ += value;
     return *this;
   }
+  appendQuoted(value);
+  return *this;
+}
+
+CsvWriter& CsvWriter::label(std::string_view value) {
+  startCell();
+  appendQuoted(value);
+  return *this;
+}
+
+void CsvWriter::appendQuoted(std::string_view value) {
   out_ += '"';
-  if (guarded) out_ += '\'';
+  if (needsFormulaGuard(value)) out_ += '\'';
   for (const char c : value) {
     if (c == '"') out_ += '"';
     out_ += c;
   }
   out_ += '"';
-  return *this;
 }
 
 void CsvWriter::appendNumber(std::string_view digits) {

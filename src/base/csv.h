@@ -149,6 +149,8 @@ class CsvWriter {
 
   /// A text cell. Text that a spreadsheet would run as a formula gets an apostrophe before it.
   CsvWriter& text(std::string_view value);
+  /// A text cell in quotation marks whether it needs them or not: the label of a figure.
+  CsvWriter& label(std::string_view value);
   /// A number cell with the fewest digits that read back as the same value; not-a-number and infinity leave it empty.
   CsvWriter& number(double value);
   /// A number cell with a fixed number of decimals (0 to 15).
@@ -165,6 +167,7 @@ class CsvWriter {
 
  private:
   void startCell();
+  void appendQuoted(std::string_view value);
   void appendNumber(std::string_view digits);
 
   CsvFormat format_;

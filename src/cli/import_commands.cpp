@@ -93,7 +93,7 @@ QCoro::Task<CommandResult> importHistory(CommandContext context, Arguments argum
     if (!saved) co_return saved.error();
   }
   std::string notices;
-  for (const ServiceCsvProblem& problem : import.problems)
+  for (const CsvProblem& problem : import.problems)
     notices += fmt::format("Line {}: {}\n", problem.line, printable(problem.message));
   co_return CommandResult{kDone,
                           JsonObject()

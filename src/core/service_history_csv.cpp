@@ -4,12 +4,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <unordered_set>
 
 #include "base/date_format.h"
-#include "base/number_format.h"
-#include "base/search_text.h"
 #include "core/part_text.h"
 
 namespace thalvorn {
@@ -19,15 +16,6 @@ constexpr std::array<std::string_view, 16> columnNames = {
     "completedDate", "taskTitle", "category",        "kind",      "engineHoursAtService", "completedBy",
     "cost",          "partsUsed", "technicianNotes", "totalCost", "photosAndCorrections", "id",
     "taskID",        "vesselID",  "equipmentID",     "partIDs"};
-
-template <class E>
-Choice<E> choiceNamed(std::string_view cell) {
-  const auto& table = EnumTexts<E>::table;
-  for (std::size_t i = 0; i < table.size(); ++i) {
-    if (equalIgnoringCase(cell, table[i].raw) || equalIgnoringCase(cell, table[i].display)) return static_cast<E>(i);
-  }
-  return Choice<E>::fromRaw(cell);
-}
 
 /// Reads one row after the other by the columns of the header.
 class LogReader {
@@ -95,12 +83,7 @@ class LogReader {
   std::optional<double> number(std::string_view name) {
     const auto written = cell(name);
     if (written.empty()) return std::nullopt;
-    double value = 0;
-    const auto read = std::from_chars(written.data(), written.data() + written.size(), value);
-    if (locale_.decimalPoint == "." && read.ec == std::errc() && read.ptr == written.data() + written.size()) {
-      return value;
-    }
-    const auto parsed = parseNumber(written, locale_);
+    const auto parsed = numberCell(written, locale_);
     if (parsed) return *parsed;
     problem(fmt::format("{}: {} Left empty.", name, parsed.error()));
     return std::nullopt;
@@ -160,8 +143,6 @@ std::string serviceHistoryCsv(std::span<const ServiceLog> logs, const Calendar& 
 ServiceCsvImport serviceLogsFromCsv(std::string_view text, const Uuid& vesselID, const Calendar& calendar,
                                     std::optional<CsvSeparator> separator) {
   const auto source = openCsv(text, separator);
-  NumberLocale locale;
-  if (source.separator == CsvSeparator::semicolon) locale = {.decimalPoint = ",", .groupSeparator = "."};
   ServiceCsvImport import;
   std::optional<LogReader> reader;
   readCsv(source, [&](const CsvRow& row) {
@@ -176,7 +157,7 @@ ServiceCsvImport serviceLogsFromCsv(std::string_view text, const Uuid& vesselID,
           {row.line, fmt::format("The first line must name the columns; “{}” is missing.", name)});
       return false;
     }
-    reader.emplace(header, locale, vesselID, calendar, import);
+    reader.emplace(header, numbersOf(source.separator), vesselID, calendar, import);
     return true;
   });
   return import;

@@ -8,6 +8,7 @@
 
 #include "base/calendar.h"
 #include "base/csv.h"
+#include "core/csv_cells.h"
 #include "core/service_log.h"
 #include "core/vessel.h"
 
@@ -17,15 +18,9 @@ namespace thalvorn {
 /// stand by the wall clock of the calendar; parts are in one cell as `partsText` writes them.
 std::string serviceHistoryCsv(std::span<const ServiceLog> logs, const Calendar& calendar, const CsvFormat& format = {});
 
-/// A row that was left out, or a cell that was, and why.
-struct ServiceCsvProblem {
-  std::size_t line = 0;  ///< of the file, 1 for the first
-  std::string message;
-};
-
 struct ServiceCsvImport {
   std::vector<ServiceLog> logs;
-  std::vector<ServiceCsvProblem> problems;
+  std::vector<CsvProblem> problems;
   std::size_t skipped = 0;  ///< rows that gave no log
 };
 

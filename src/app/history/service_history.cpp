@@ -101,7 +101,7 @@ QVariantMap ServiceHistory::readCsv(const QUrl& file) {
   const std::size_t inFile = import.logs.size();
   read_ = withoutKnown(std::move(import.logs), store_.logs().records(), store_.vessels().records(), *vessel);
   QStringList problems;
-  for (const ServiceCsvProblem& problem : import.problems)
+  for (const CsvProblem& problem : import.problems)
     problems << QStringLiteral("Line %1: %2").arg(problem.line).arg(toQt(problem.message));
   return {{QStringLiteral("summary"), QStringLiteral("%1 new, %2 already in the history, %3 skipped")
                                           .arg(read_.size())
