@@ -56,15 +56,34 @@ inline constexpr double photoResolution = 200;  ///< dots per inch kept of a pho
 /// Loads the bundled typefaces once; false when one is missing from the program.
 bool loadFonts();
 
-/// The font of a weight in any script: the bundled typeface first, then named ones for other scripts, the Han
+/// The font of a weight for scripts whose letters stand alone: the bundled typeface first, then named ones, the Han
 /// characters in the form of the document's language.
 QFont font(bool heavy, const QString& language);
+
+/// What letters do in a word.
+enum class Letters : std::uint8_t {
+  alone,    ///< each is drawn by itself
+  joined,   ///< each has a form for its place in the word; the glyphs still tell the letters
+  stacked,  ///< they merge, stack or change places: a file that shows the word says what it reads
+};
+
+/// A script that the bundled typeface lacks, and the typeface that has it.
+struct Script {
+  char32_t first = 0;  ///< of its characters
+  char32_t last = 0;
+  const char* family = nullptr;
+  Letters letters = Letters::alone;
+};
+
+/// The script of a character; none for one that `font` writes.
+const Script* scriptOf(char32_t code);
 
 /// The typeface of emoji, as pictures: a printer's file cannot hold its glyphs, and the toolkit, asked to try, loses
 /// them for the screen too.
 QString emojiFamily();
 
-/// A bundled typeface whose glyphs from `firstBlank` on are one em wide and show nothing.
+/// A bundled typeface whose glyphs from `firstBlank` on are one em wide and show nothing: what stands in the text for
+/// pictures.
 QString blankFamily();
 inline constexpr char16_t firstBlank = 0xA000;
 inline constexpr int blankCount = 1024;

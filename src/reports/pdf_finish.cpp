@@ -5,12 +5,14 @@
 
 #include <QDateTime>
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "reports/paper_style.h"
+#include "reports/typesetter.h"
 
 namespace thalvorn {
 namespace {
@@ -137,49 +139,164 @@ class Outline {
   std::size_t at_ = 0;
 };
 
+/// The blank typeface as the file names it.
+std::string blankName() { return paper::blankFamily().remove(QLatin1Char(' ')).toStdString(); }
+
 std::string hex(const QString& value) {
   std::string digits;
   for (const QChar unit : value) digits += fmt::format("{:04x}", unsigned(unit.unicode()));
   return digits;
 }
 
-/// What is read for each blank glyph below an emoji's picture. The toolkit numbers a font's glyphs in the order in
-/// which they are first drawn, from 1.
-std::string emojiMap(const std::vector<QString>& emoji) {
+/// What the glyphs of a typeface read, by their numbers.
+using Readings = std::vector<std::pair<unsigned, QString>>;
+
+/// The readings as a file has them.
+std::string mapOf(const Readings& readings) {
   std::string map =
       "/CIDInit /ProcSet findresource begin 12 dict begin begincmap\n"
       "/CIDSystemInfo << /Registry (Adobe) /Ordering (UCS) /Supplement 0 >> def\n"
       "/CMapName /Adobe-Identity-UCS def /CMapType 2 def\n"
       "1 begincodespacerange <0000> <FFFF> endcodespacerange\n";
   constexpr std::size_t mostInBlock = 100;
-  for (std::size_t from = 0; from < emoji.size(); from += mostInBlock) {
-    const auto to = std::min(from + mostInBlock, emoji.size());
-    std::string lines;
-    int count = 0;
-    for (std::size_t i = from; i < to; ++i) {
-      lines += fmt::format("<{:04x}> <{}>\n", i + 1, hex(emoji[i]));
-      ++count;
-    }
-    if (count > 0) map += fmt::format("{} beginbfchar\n{}endbfchar\n", count, lines);
+  for (std::size_t from = 0; from < readings.size(); from += mostInBlock) {
+    const auto to = std::min(from + mostInBlock, readings.size());
+    map += fmt::format("{} beginbfchar\n", to - from);
+    for (std::size_t i = from; i < to; ++i)
+      map += fmt::format("<{:04x}> <{}>\n", readings[i].first, hex(readings[i].second));
+    map += "endbfchar\n";
   }
   return map + "endcmap CMapName currentdict /CMap defineresource pop end end\n";
 }
 
-/// Where two characters share a glyph the toolkit names the first of them; text has the second, the common quotes.
-void nameQuotes(PdfObjects& pdf, qpdf_oh font) {
-  const auto stream = pdf.get(font, "/ToUnicode");
-  auto map = pdf.streamBytes(stream);
-  for (const auto& [shared, common] : {std::pair{"<02BC>", "<2019>"}, std::pair{"<02EE>", "<201D>"}}) {
-    for (auto at = map.find(shared); at != std::string::npos; at = map.find(shared, at)) map.replace(at, 6, common);
+/// What is read for the blank glyphs below the pictures of emoji. The toolkit numbers a font's glyphs in the order in
+/// which they are first drawn, from 1.
+Readings readingsOf(const std::vector<QString>& blanks) {
+  Readings readings;
+  for (const auto& blank : blanks) readings.emplace_back(readings.size() + 1, blank);
+  return readings;
+}
+
+/// Puts in place of the blank glyphs around words of stacked letters what tells a reader the words.
+class StackedWords {
+ public:
+  StackedWords(PdfObjects& pdf, const PdfFacts& facts)
+      : pdf_(pdf), facts_(facts), begin_(glyph(Typesetter::wordBegin())), end_(glyph(Typesetter::wordEnd())) {}
+
+  void tell() {
+    for (std::size_t page = 0; page < facts_.words.size(); ++page) {
+      if (facts_.words[page].empty()) continue;
+      const auto node = qpdf_get_page_n(pdf_.file(), page);
+      const auto contents = pdf_.get(node, "/Contents");
+      const auto font = blankFont(pdf_.get(pdf_.get(node, "/Resources"), "/Font"));
+      if (const auto bytes = told(pdf_.streamBytes(contents), font, facts_.words[page])) {
+        pdf_.setStream(contents, *bytes);
+      }
+    }
   }
-  pdf.setStream(stream, map);
+
+ private:
+  /// How the toolkit draws a mark and nothing else.
+  std::string glyph(const QString& mark) const {
+    const auto found = std::ranges::find(facts_.blanks, mark);
+    return fmt::format("<{:04X}> Tj\nET\n", found - facts_.blanks.begin() + 1);
+  }
+
+  /// The name of the blank typeface on a page.
+  std::string blankFont(qpdf_oh fonts) {
+    std::string name;
+    qpdf_oh_begin_dict_key_iter(pdf_.file(), fonts);
+    while (name.empty() && qpdf_oh_dict_more_keys(pdf_.file())) {
+      const char* key = qpdf_oh_dict_next_key(pdf_.file());
+      const std::string_view family = qpdf_oh_get_name(pdf_.file(), pdf_.get(pdf_.get(fonts, key), "/BaseFont"));
+      if (family.ends_with(blankName())) name = key;
+    }
+    return name;
+  }
+
+  /// The page with the words told; nothing when its marks are not those of the words.
+  std::optional<std::string> told(std::string_view drawn, const std::string& font,
+                                  const std::vector<QString>& words) const {
+    constexpr std::string_view open = "\nq\n";
+    constexpr std::string_view close = "Q\n";
+    const std::string text = "BT\n" + font + " ";
+    std::string result;
+    std::size_t word = 0;
+    std::size_t done = 0;
+    for (auto at = drawn.find(text); at != drawn.npos; at = drawn.find(text, at)) {
+      const auto end = drawn.find("ET\n", at) + 3;
+      const auto block = drawn.substr(at, end - at);
+      const bool begins = block.ends_with(begin_);
+      at = end;
+      if (!begins && !block.ends_with(end_)) continue;
+      const auto from = drawn.rfind(open, end);
+      if (!drawn.substr(end).starts_with(close) || from == drawn.npos || from + 1 < done) return std::nullopt;
+      result += drawn.substr(done, from + 1 - done);
+      if (begins ? word == words.size() : !result.ends_with(close)) return std::nullopt;
+      if (begins) {
+        result += fmt::format("/Span <</ActualText <feff{}>>> BDC\n", hex(words[word++]));
+      } else {
+        // Readers set the words in the type that holds where their span ends: before the letters' own is left.
+        result.insert(result.size() - close.size(), "EMC\n");
+      }
+      done = end + close.size();
+    }
+    if (word != words.size()) return std::nullopt;
+    return result.append(drawn.substr(done));
+  }
+
+  PdfObjects& pdf_;
+  const PdfFacts& facts_;
+  std::string begin_;
+  std::string end_;
+};
+
+/// What a glyph reads that the toolkit names `code`. Where two characters share a glyph it names the first of them;
+/// text has the second, the common quotes. Joined forms and ligatures it names as such, but who searches types their
+/// letters.
+QString lettersOf(char16_t code) {
+  if (code == 0x02BC) return QStringLiteral("\u2019");
+  if (code == 0x02EE) return QStringLiteral("\u201D");
+  QString named(QChar{code});
+  if (code < 0xFB00 || (code >= 0xFE00 && code < 0xFE70) || code >= 0xFEFF) return named;
+  const auto letters = named.normalized(QString::NormalizationForm_KC);
+  return letters.size() == 1 || code < 0xFB07 ? letters : named;
+}
+
+/// The readings in a map of the toolkit, which has ranges: first and last glyph, then what the first reads and the
+/// others count on from, or in brackets what each of them reads.
+Readings readingsIn(std::string_view map) {
+  Readings readings;
+  constexpr std::string_view begin = "beginbfrange";
+  for (auto block = map.find(begin); block != map.npos; block = map.find(begin, block + 1)) {
+    std::vector<unsigned> numbers;
+    bool listed = false;
+    for (auto at = block; at < map.size() && !map.substr(at).starts_with("endbfrange"); ++at) {
+      if (map[at] == '[') listed = true;
+      if (map[at] == '<') {
+        unsigned number = 0;
+        std::from_chars(map.data() + at + 1, map.data() + map.size(), number, 16);
+        numbers.push_back(number);
+      }
+      const bool complete = listed ? map[at] == ']' : numbers.size() == 3 && map[at] == '\n';
+      if (!complete || numbers.size() < 3) continue;
+      for (unsigned glyph = numbers[0]; glyph <= std::min(numbers[1], 0xFFFFU); ++glyph) {
+        const unsigned i = glyph - numbers[0];
+        const unsigned code = listed ? (i + 2 < numbers.size() ? numbers[i + 2] : 0) : numbers[2] + i;
+        if (code > 0) readings.emplace_back(glyph, lettersOf(static_cast<char16_t>(code)));
+      }
+      numbers.clear();
+      listed = false;
+    }
+  }
+  return readings;
 }
 
 /// Names the subsets of fonts in the order of their use, where the toolkit's order is one of chance, and gives the
 /// emoji their texts.
-void nameFonts(PdfObjects& pdf, const std::vector<QString>& emoji) {
+void nameFonts(PdfObjects& pdf, const std::vector<QString>& blanks) {
   const auto file = pdf.file();
-  const std::string blank = paper::blankFamily().remove(QLatin1Char(' ')).toStdString();
+  const std::string blank = blankName();
   const int size = qpdf_oh_get_int_value_as_int(file, pdf.get(pdf.trailer(), "/Size"));
   int fonts = 0;
   for (int id = 1; id < size; ++id) {
@@ -192,11 +309,9 @@ void nameFonts(PdfObjects& pdf, const std::vector<QString>& emoji) {
     pdf.set(font, "/BaseFont", pdf.name(tagged.c_str()));
     pdf.set(descendant, "/BaseFont", pdf.name(tagged.c_str()));
     pdf.set(pdf.get(descendant, "/FontDescriptor"), "/FontName", pdf.name(tagged.c_str()));
-    if (name.find(blank) == std::string::npos) {
-      nameQuotes(pdf, font);
-      continue;
-    }
-    pdf.setStream(pdf.get(font, "/ToUnicode"), emojiMap(emoji));
+    const auto stream = pdf.get(font, "/ToUnicode");
+    const bool isBlank = name.find(blank) != std::string::npos;
+    pdf.setStream(stream, mapOf(isBlank ? readingsOf(blanks) : readingsIn(pdf.streamBytes(stream))));
   }
 }
 
@@ -226,7 +341,8 @@ std::expected<QByteArray, QString> finishPdf(const QByteArray& drawn, const PdfF
     if (const auto error = pdf.error()) return failed(*error);
     setFacts(pdf, facts);
     Outline(pdf, facts).add();
-    nameFonts(pdf, facts.emoji);
+    StackedWords(pdf, facts).tell();
+    nameFonts(pdf, facts.blanks);
     if (const auto error = pdf.error()) return failed(*error);
     // Without packing, objects are numbered as they are reached from the root, whatever numbers the toolkit gave them.
     auto bytes = written(pdf, qpdf_o_disable);

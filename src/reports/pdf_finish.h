@@ -18,8 +18,10 @@ struct PdfFacts {
   Timestamp created{};
   double pageHeight = 0;  ///< points
   const std::vector<Bookmark>& bookmarks;
-  /// Texts of the emoji in the order of their first occurrence, so that they are found and copied.
-  const std::vector<QString>& emoji;
+  /// What the blank glyphs stand for, as `Typesetter::blanksDrawn`, so that emoji are found and copied.
+  const std::vector<QString>& blanks;
+  /// Page by page what `Typesetter::takeWords` gave.
+  const std::vector<std::vector<QString>>& words;
 };
 
 /// The file with title, language, bookmarks and the dates and identifier that follow from its contents alone. The

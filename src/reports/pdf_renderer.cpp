@@ -75,7 +75,8 @@ QImage PagedReport::image(int page, double scale) const {
 
 std::expected<QByteArray, ReportError> PagedReport::pdf(const RenderOptions& options) const {
   const auto& [document, typesetter, layout] = *contents_;
-  Typesetter emojiOrder(qstring(document.language));
+  Typesetter drawing(qstring(document.language));
+  std::vector<std::vector<QString>> words;
   const QString title =
       qstring(document.vesselName.empty() ? document.title : document.title + " — " + document.vesselName);
   QByteArray drawn;
@@ -97,7 +98,8 @@ std::expected<QByteArray, ReportError> PagedReport::pdf(const RenderOptions& opt
         return std::unexpected(cancelled());
       }
       if (i > 0) writer.newPage();
-      paintPage(painter, layout.pages[i], emojiOrder, resolution / 72.0);
+      paintPage(painter, layout.pages[i], drawing, resolution / 72.0);
+      words.push_back(drawing.takeWords());
     }
     painter.end();
   }
@@ -107,7 +109,8 @@ std::expected<QByteArray, ReportError> PagedReport::pdf(const RenderOptions& opt
                                     .created = document.generatedAt,
                                     .pageHeight = layout.height,
                                     .bookmarks = layout.bookmarks,
-                                    .emoji = emojiOrder.emojiDrawn()});
+                                    .blanks = drawing.blanksDrawn(),
+                                    .words = words});
   if (!finished) return std::unexpected(incomplete(finished.error()));
   if (options.progress) options.progress(1);
   return std::move(*finished);

@@ -14,6 +14,7 @@
 namespace thalvorn {
 namespace {
 
+using paper::Letters;
 using paper::TextStyle;
 
 /// Size in pixels at which shaped text is measured; unhinted advances scale to any other.
@@ -48,8 +49,8 @@ std::size_t bytesOf(std::string_view text, qsizetype units) {
 }
 
 /// The text with a blank one em wide in place of each emoji, unit for unit: the toolkit is not sure how wide they are.
-template <class Emojis>
-QString withBlanks(QString text, const Emojis& emojis) {
+template <class Parts>
+QString withBlanks(QString text, const Parts& emojis) {
   constexpr QChar emSpace(0x2003);
   constexpr QChar noWidth(0x200B);
   for (const auto& emoji : emojis) {
@@ -58,6 +59,8 @@ QString withBlanks(QString text, const Emojis& emojis) {
   }
   return text;
 }
+
+bool isAccent(char32_t code) { return code >= 0x300 && code < 0x370; }
 
 QTextOption leftAligned() {
   QTextOption option;
@@ -188,6 +191,7 @@ void Typesetter::wrapShaped(std::string_view text, TextStyle style, double width
   const QString whole = toQString(text);
   QTextLayout layout(withBlanks(whole, emojiIn(whole)), font);
   layout.setTextOption(leftAligned());
+  setFonts(layout, stretchesIn(layout.text()));
   layout.beginLayout();
   for (auto line = layout.createLine(); line.isValid(); line = layout.createLine()) {
     line.setLineWidth(width / scale);
@@ -201,13 +205,21 @@ void Typesetter::wrapShaped(std::string_view text, TextStyle style, double width
 }
 
 void Typesetter::noteMissing(const QTextLayout& layout) const {
-  const auto lacksGlyph = [](const QGlyphRun& run) { return run.glyphIndexes().contains(0); };
-  if (std::ranges::none_of(layout.glyphRuns(), lacksGlyph)) return;
-  QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, layout.text());
+  const auto text = layout.text();
+  QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
   for (qsizetype from = 0, to = finder.toNextBoundary(); to > from; from = to, to = finder.toNextBoundary()) {
-    const auto character = layout.text().mid(from, to - from);
+    const auto character = text.mid(from, to - from);
+    const auto code = character.toUcs4().front();
+    const bool bundled = code < tableSize && advances_[0][code] >= 0;
+    if (bundled || QChar::isSpace(code) || QChar::category(code) == QChar::Other_Format || seen_.contains(character))
+      continue;
+    seen_.insert(character);
+    // A letter that is not shaped and that no typeface has leaves no glyph at all.
     const auto runs = layout.glyphRuns(static_cast<int>(from), static_cast<int>(to - from));
-    if (std::ranges::any_of(runs, lacksGlyph) && !missing_.contains(character)) missing_ += character;
+    const auto isDrawn = [](const QGlyphRun& run) {
+      return !run.glyphIndexes().isEmpty() && !run.glyphIndexes().contains(0);
+    };
+    if (runs.isEmpty() || !std::ranges::all_of(runs, isDrawn)) missing_ += character;
   }
 }
 
@@ -217,8 +229,8 @@ void Typesetter::draw(QPainter& painter, QPointF at, std::string_view text, bool
   painter.drawText(at, toQString(text));
 }
 
-std::vector<Typesetter::Emoji> Typesetter::emojiIn(const QString& text) const {
-  std::vector<Emoji> found;
+std::vector<Typesetter::Part> Typesetter::emojiIn(const QString& text) const {
+  std::vector<Part> found;
   if (emojiFont_.familyName() != paper::emojiFamily()) return found;
   QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
   for (qsizetype from = 0, to = finder.toNextBoundary(); to > from; from = to, to = finder.toNextBoundary()) {
@@ -233,16 +245,73 @@ std::vector<Typesetter::Emoji> Typesetter::emojiIn(const QString& text) const {
   return found;
 }
 
+std::vector<Typesetter::Stretch> Typesetter::stretchesIn(const QString& text) {
+  std::vector<Stretch> stretches;
+  int word = 0;  // where the current word begins; each is a stretch of its own at least
+  for (int at = 0; at < text.size(); ++at) {
+    const char32_t code = text[at].unicode();
+    const auto* script = paper::scriptOf(code);
+    auto letters = script ? script->letters : Letters::alone;
+    if (code == ' ') word = at + 1;
+    auto* last = stretches.empty() ? nullptr : &stretches.back();
+    if (last && isAccent(code) && word < at) last->letters = Letters::stacked;  // they shape the word they are in
+    if (last && !script) {
+      const bool inWord = word < at && (last->script ? actsOnNeighbours(code) : last->letters != Letters::alone);
+      // To the toolkit blanks and digits behind a script are of that script, and it looks for one typeface for all.
+      const bool behind = last->script && last->script->letters == Letters::stacked && !QChar::isLetter(code);
+      if (inWord || behind) script = last->script;
+      if (inWord) letters = last->letters;
+    }
+    if (last && word != at && last->script == script && last->letters == letters) {
+      ++last->length;
+    } else {
+      stretches.push_back({{at, 1}, script, letters});
+    }
+  }
+  return stretches;
+}
+
+void Typesetter::setFonts(QTextLayout& layout, const std::vector<Stretch>& stretches) {
+  // Letters that stand alone are not shaped: each glyph then reads as the letter it is.
+  QFont font = layout.font();
+  font.setStyleStrategy(QFont::PreferNoShaping);
+  layout.setFont(font);
+  QList<QTextLayout::FormatRange> formats;
+  for (const auto& stretch : stretches) {
+    if (!stretch.script && stretch.letters == Letters::alone) continue;
+    QTextCharFormat own;
+    if (stretch.letters != Letters::alone) own.setFontStyleStrategy(QFont::PreferDefault);
+    if (stretch.script) own.setFontFamilies({QString::fromLatin1(stretch.script->family)});
+    formats.append({stretch.at, stretch.length, own});
+  }
+  layout.setFormats(formats);
+}
+
 void Typesetter::drawShaped(QPainter& painter, QPointF at, const QString& text, TextStyle style) {
   const auto emojis = emojiIn(text);
-  QTextLayout layout(withBlanks(text, emojis), fontAt(style, paper::facts(style).size), painter.device());
+  const double size = paper::facts(style).size;
+  QTextLayout layout(withBlanks(text, emojis), fontAt(style, size), painter.device());
   layout.setTextOption(leftAligned());
+  const auto stretches = stretchesIn(layout.text());
+  setFonts(layout, stretches);
   layout.beginLayout();
   auto line = layout.createLine();
   if (line.isValid()) line.setLineWidth(unlimited);
   layout.endLayout();
   if (!line.isValid()) return;
-  layout.draw(&painter, QPointF(at.x(), at.y() - line.ascent()));
+  const bool onPaper = painter.paintEngine()->type() == QPaintEngine::Pdf;
+  const QPointF origin(at.x(), at.y() - line.ascent());
+  for (const auto& stretch : stretches) {
+    auto runs = layout.glyphRuns(stretch.at, stretch.length);
+    runs.removeIf([](const QGlyphRun& run) { return run.positions().isEmpty(); });
+    // They come in an order of chance.
+    std::ranges::sort(runs, {}, [](const QGlyphRun& run) { return run.positions().constFirst().x(); });
+    const bool marked = onPaper && stretch.letters == Letters::stacked && drawBlank(painter, at, wordBegin(), 1);
+    for (const auto& run : runs) painter.drawGlyphRun(origin, run);
+    if (!marked) continue;
+    drawBlank(painter, at, wordEnd(), 1);
+    words_.push_back(text.mid(stretch.at, stretch.length).normalized(QString::NormalizationForm_C));
+  }
   for (const auto& emoji : emojis) {
     const double begin = line.cursorToX(emoji.at);
     const double end = line.cursorToX(emoji.at + emoji.length);
@@ -255,14 +324,19 @@ void Typesetter::drawEmoji(QPainter& painter, QPointF baseline, const QString& e
   constexpr double size = 1.15;  // of the blank left for it: the picture has a margin of its own
   painter.drawImage(QRectF(baseline.x() - (size - 1) / 2 * em, baseline.y() - 0.93 * em, size * em, size * em),
                     pictureOf(emoji));
-  if (painter.paintEngine()->type() != QPaintEngine::Pdf) return;
-  const auto known = std::ranges::find(emojiDrawn_, emoji);
-  const auto index = known - emojiDrawn_.begin();
-  if (index >= paper::blankCount) return;
-  if (known == emojiDrawn_.end()) emojiDrawn_.push_back(emoji);
+  if (painter.paintEngine()->type() == QPaintEngine::Pdf) drawBlank(painter, baseline, emoji, em);
+}
+
+bool Typesetter::drawBlank(QPainter& painter, QPointF baseline, const QString& text, double em) {
+  const auto known = std::ranges::find(blanksDrawn_, text);
+  const auto index = known - blanksDrawn_.begin();
+  const bool mark = text == wordBegin() || text == wordEnd();
+  if (index >= (mark ? paper::blankCount : paper::blankCount - 2)) return false;
+  if (known == blanksDrawn_.end()) blanksDrawn_.push_back(text);
   blankFont_.setPixelSize(std::max(1, static_cast<int>(em)));
   painter.setFont(blankFont_);
   painter.drawText(baseline, QString(QChar(static_cast<char16_t>(paper::firstBlank + index))));
+  return true;
 }
 
 const QImage& Typesetter::pictureOf(const QString& emoji) {

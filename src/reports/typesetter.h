@@ -5,10 +5,12 @@
 #include <QImage>
 #include <QPointF>
 #include <QRawFont>
+#include <QSet>
 #include <QString>
 #include <array>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "reports/paper_style.h"
@@ -42,8 +44,15 @@ class Typesetter {
   /// Draws a line with its baseline starting at `at`, in device units.
   void draw(QPainter& painter, QPointF at, std::string_view text, bool plain, paper::TextStyle style);
 
-  /// The texts of the emoji drawn so far, in order of their first occurrence: the order in which the file numbers them.
-  const std::vector<QString>& emojiDrawn() const { return emojiDrawn_; }
+  /// What the blank glyphs drawn so far stand for, in order of their first occurrence, in which the file numbers them:
+  /// the texts of emoji, and the marks around words.
+  const std::vector<QString>& blanksDrawn() const { return blanksDrawn_; }
+  static QString wordBegin() { return QString(QChar(0xFDD0)); }
+  static QString wordEnd() { return QString(QChar(0xFDD1)); }
+
+  /// The words of stacked letters drawn since the last call, each between a `wordBegin` and a `wordEnd`: their glyphs
+  /// do not tell what they read.
+  std::vector<QString> takeWords() { return std::exchange(words_, {}); }
 
   /// The characters measured so far that no typeface of this computer has: they would be blank on paper.
   const QString& missing() const { return missing_; }
@@ -61,14 +70,25 @@ class Typesetter {
   void noteMissing(const QTextLayout& layout) const;
   void drawShaped(QPainter& painter, QPointF at, const QString& text, paper::TextStyle style);
 
-  /// An emoji within a text: how many UTF-16 units at which place.
-  struct Emoji {
+  /// A part of a text: how many UTF-16 units at which place.
+  struct Part {
     int at = 0;
     int length = 0;
   };
-  std::vector<Emoji> emojiIn(const QString& text) const;
+  std::vector<Part> emojiIn(const QString& text) const;
   void drawEmoji(QPainter& painter, QPointF baseline, const QString& emoji, double em);
+  /// Draws the blank glyph that stands for `text`; false when there are no more of them.
+  bool drawBlank(QPainter& painter, QPointF baseline, const QString& text, double em);
   const QImage& pictureOf(const QString& emoji);
+
+  /// Part of a text in a typeface of its own.
+  struct Stretch : Part {
+    const paper::Script* script = nullptr;
+    paper::Letters letters = paper::Letters::alone;
+  };
+  static std::vector<Stretch> stretchesIn(const QString& text);
+  /// Gives each stretch of a layout's text the typeface of its script, the layout's own font elsewhere.
+  static void setFonts(QTextLayout& layout, const std::vector<Stretch>& stretches);
 
   QFont fontAt(paper::TextStyle style, double pointSize) const;
 
@@ -78,7 +98,9 @@ class Typesetter {
   QRawFont emojiFont_;
   QHash<QString, QImage> emojiPictures_;
   QFont blankFont_;
-  std::vector<QString> emojiDrawn_;
+  std::vector<QString> blanksDrawn_;
+  std::vector<QString> words_;
+  mutable QSet<QString> seen_;  // characters that were looked for
   mutable QString missing_;
 };
 

@@ -168,6 +168,41 @@ TEST(PdfRenderer, PrintsEveryBlockInEveryScriptAndCutsNothing) {
   EXPECT_THAT(facts, HasSubstr("612 x 792 pts (letter)"));
 }
 
+TEST(PdfRenderer, FindsTheWordsOfEveryScriptAsTheyWereTyped) {
+  // Shaping would turn the first line's signs into others, and stack, join or reorder most of the rest.
+  const std::vector<std::string> lines = {"⛽ 1 Sep – 21 Nov, (3x4) -> 10:30 filter [A] 5-6",
+                                          "हिन्दी इंजन का तेल क्षेत्र 12 filter",
+                                          "বাংলা ইঞ্জিন তেল",
+                                          "தமிழ் இயந்திர எண்ணெய்",
+                                          "ไทย น้ำมันเครื่อง",
+                                          "ລາວ ນ້ຳມັນເຄື່ອງ",
+                                          "ខ្មែរ ប្រេងម៉ាស៊ីន",
+                                          "မြန်မာ အင်ဂျင်ဆီ",
+                                          "සිංහල එන්ජින් තෙල්",
+                                          "ქართული ძრავის ზეთი",
+                                          "Հայերեն շարժիչի յուղ",
+                                          "አማርኛ የሞተር ዘይት",
+                                          "Tiếng Việt dầu động cơ",
+                                          "机油更换 エンジンオイル 엔진 오일",
+                                          "русский масло двигателя"};
+  Document document{.title = "Scripts", .generatedAt = {}};
+  for (const auto& line : lines) document.blocks.push_back(Paragraph{line});
+  for (const auto* line : {"محرك السفينة", "החלפת שמן", "ﬁlter e\u0301te\u0301 q\u0303ua"})
+    document.blocks.push_back(Paragraph{line});
+  const auto pdf = pdfOf(document);
+  const auto text = textOf(pdf);
+  for (const auto& line : lines) EXPECT_THAT(text, HasSubstr(line));
+  for (const auto* part : {"محرك السفينة", "החלפת שמן", "filter été q\u0303ua"}) EXPECT_THAT(text, HasSubstr(part));
+  // No typeface that merely happens to be installed here.
+  const auto fonts = QString::fromStdString(outputOf(QStringLiteral("pdffonts"), {}, pdf)).split(u'\n').mid(2);
+  for (const auto& font : fonts) {
+    const auto family = font.section(u'+', 1);
+    EXPECT_TRUE(font.isEmpty() || family.startsWith(u"Inter") || family.startsWith(u"Noto") ||
+                family.startsWith(u"ThalvornBlank"))
+        << font.toStdString();
+  }
+}
+
 TEST(PdfRenderer, DrawsEmojiAndRightToLeftGlyphs) {
   Document document{.title = "Glyphs", .generatedAt = {}};
   for (const auto* text : {"🔧", "محرك", "中"}) {
