@@ -204,7 +204,11 @@ class CellReader {
   }
   template <class V, class Into>
   static void take(std::optional<V> read, Into& into) {
-    if (read) into = *std::move(read);
+    if (!read) return;
+    if constexpr (isOptional<Into>)
+      into = std::move(read);
+    else
+      into = *std::move(read);
   }
 
   void problem(std::string message) { problems_.push_back({line_, std::move(message)}); }

@@ -71,7 +71,8 @@ Column paperColumn(const ColumnFacts& column) {
               .weight = column.weight,
               .alignment = number ? Alignment::right : Alignment::left,
               .wraps = column.form == ValueForm::text};
-  if (!column.unit.empty() && !made.title.contains('(')) made.title += " (" + std::string(column.unit) + ")";
+  if (!column.unit.empty() && !foldText(made.title).contains(foldText(column.unit)))
+    made.title += " (" + std::string(column.unit) + ")";
   return made;
 }
 

@@ -1,5 +1,6 @@
 #include "core/report_basics.h"
 
+#include "base/date_format.h"
 #include "reports/document/document_text.h"
 
 namespace thalvorn {
@@ -25,6 +26,30 @@ Document reportOf(std::string title, const Vessel& vessel, const VesselProfile& 
           .generatedAt = setting.now,
           .language = setting.language,
           .paper = setting.paper};
+}
+
+Document reportOf(std::string title, std::span<const ReportVessel> vessels, const ReportSetting& setting) {
+  if (vessels.size() == 1) return reportOf(std::move(title), vessels[0].vessel, vessels[0].profile, setting);
+  Document document = reportOf(std::move(title), {}, {}, setting);
+  document.particulars.reset();
+  return document;
+}
+
+std::string_view vesselNameOf(const Uuid& vesselID, std::span<const ReportVessel> vessels) {
+  for (const ReportVessel& one : vessels)
+    if (one.vessel.id == vesselID) return one.vessel.name;
+  return {};
+}
+
+std::string periodText(const ReportPeriod& period, const Calendar& calendar) {
+  const auto day = [&](Timestamp time) { return formatDate(calendar.date(time)); };
+  if (period.first && period.last) {
+    const std::string first = day(*period.first);
+    const std::string last = day(*period.last);
+    return first == last ? first : first + " – " + last;
+  }
+  if (period.first) return "from " + day(*period.first);
+  return period.last ? "until " + day(*period.last) : std::string();
 }
 
 std::string reportFileName(const Document& document) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -19,7 +21,23 @@ struct ReportSetting {
   NumberLocale numbers = {};
   PaperSize paper = PaperSize::a4;
   std::string language = "en";  ///< BCP 47
+  bool litres = false;          ///< volumes stand in litres beside US gallons, for people of metric countries
 };
+
+/// A vessel and what its papers say of it.
+struct ReportVessel {
+  Vessel vessel;
+  VesselProfile profile;
+};
+
+/// The first and the last moment that a report covers; a missing one leaves that end open.
+struct ReportPeriod {
+  std::optional<Timestamp> first{};
+  std::optional<Timestamp> last{};
+};
+
+/// "1 Sep 2026 – 21 Nov 2026", one day alone, "from 1 Sep 2026", "until 21 Nov 2026"; empty for an open period.
+std::string periodText(const ReportPeriod& period, const Calendar& calendar);
 
 /// The particulars that head every paper.
 VesselParticulars particularsOf(const VesselProfile& profile, const NumberLocale& numbers);
@@ -29,6 +47,12 @@ std::string_view costCurrency(const VesselProfile& profile);
 
 /// A report with its head, still without contents.
 Document reportOf(std::string title, const Vessel& vessel, const VesselProfile& profile, const ReportSetting& setting);
+
+/// The same for several vessels: with one of them it is hers, with more it is of none.
+Document reportOf(std::string title, std::span<const ReportVessel> vessels, const ReportSetting& setting);
+
+/// The name of the vessel with this identity; empty when it is not among them.
+std::string_view vesselNameOf(const Uuid& vesselID, std::span<const ReportVessel> vessels);
 
 /// The name of a report's file without ending, "Service History — M/Y Meridian", safe on every file system.
 std::string reportFileName(const Document& document);

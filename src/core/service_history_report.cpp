@@ -84,19 +84,15 @@ class HistoryWriter {
   const ReportSetting& setting_;
 };
 
-/// "1 Sep 2026 – 21 Nov 2026", the days asked for, else those of the services.
-std::string periodOf(std::span<const ServiceLog> logs, const ServiceHistoryOptions& options,
-                     const HistoryWriter& writer) {
-  auto from = options.from;
-  auto to = options.to;
+/// The days asked for, else those of the services.
+std::string periodOf(std::span<const ServiceLog> logs, const ServiceHistoryOptions& options, const Calendar& calendar) {
+  ReportPeriod period{options.from, options.to};
   if (!logs.empty()) {
     const auto [first, last] = std::ranges::minmax(logs, {}, &ServiceLog::completedDate);
-    if (!from) from = first.completedDate;
-    if (!to) to = last.completedDate;
+    if (!period.first) period.first = first.completedDate;
+    if (!period.last) period.last = last.completedDate;
   }
-  if (from && to) return fmt::format("{} – {}", writer.date(*from), writer.date(*to));
-  if (from) return "from " + writer.date(*from);
-  return to ? "until " + writer.date(*to) : std::string();
+  return periodText(period, calendar);
 }
 
 }  // namespace
@@ -108,7 +104,7 @@ Document serviceHistoryReport(std::span<const ServiceLog> logs, const Vessel& ve
   Document document =
       reportOf(options.detailed ? "Service History (Detailed)" : "Service History", vessel, profile, setting);
   document.orientation = Orientation::landscape;
-  document.period = periodOf(logs, options, writer);
+  document.period = periodOf(logs, options, setting.calendar);
   document.headNotes.push_back(fmt::format("{} {}", logs.size(), logs.size() == 1 ? "service" : "services"));
 
   Table table{

@@ -52,7 +52,7 @@ struct RecordFacts<BunkeringRecord> {
       FieldFacts{.name = "vesselIMO", .label = "IMO number", .placeholder = "7 digits"},
       FieldFacts{.name = "supplierName", .label = "Supplier / Bunker Co."},
       FieldFacts{.name = "supplierContact", .label = "Supplier contact"},
-      FieldFacts{.name = "date", .label = "Date", .required = true},
+      FieldFacts{.name = "date", .label = "Date", .required = true, .entry = FieldEntry::dateOnly},
       FieldFacts{.name = "port", .label = "Port", .placeholder = "e.g. Port of Miami"},
       FieldFacts{.name = "location", .label = "Berth / Anchorage"},
       FieldFacts{.name = "fuelType", .label = "Fuel type"},

@@ -100,6 +100,7 @@ TEST(RecordCsv, SaysLineByLineWhatCannotBeRead) {
   EXPECT_EQ(read.records[1].fuelType.raw(), "Rocket fuel");
   EXPECT_EQ(read.records[1].quantityGallons, 0);
   std::vector<std::size_t> lines;
+  lines.reserve(read.problems.size());
   for (const CsvProblem& problem : read.problems) lines.push_back(problem.line);
   EXPECT_EQ(lines, (std::vector<std::size_t>{3, 5, 6, 6, 6}));
   EXPECT_EQ(read.problems[0].message, "Skipped: “06.05.2026” is not a date such as 2026-05-31 08:00.");

@@ -84,7 +84,7 @@ TEST(Register, PaperTableFollowsTheFieldsFacts) {
   EXPECT_EQ(table.columns[3].title, "Quantity (gal)");
   EXPECT_EQ(table.columns[3].alignment, Alignment::right);
   ASSERT_EQ(table.rows.size(), 1U);
-  EXPECT_EQ(table.rows[0].cells[0].text, "6 May 2026 23:30");
+  EXPECT_EQ(table.rows[0].cells[0].text, "6 May 2026");
   EXPECT_EQ(table.rows[0].cells[2].text, "VLSFO");
   EXPECT_EQ(table.rows[0].cells[3].text, "12,500.8");
 }
