@@ -55,12 +55,19 @@ constexpr std::array kHistory{
 };
 
 constexpr std::array kReport{
-    Option{"--pdf", "FILE", "write the report as PDF"},
-    Option{"--csv", "FILE", "write the report as CSV for a spreadsheet"},
+    Option{"--pdf", "FILE", "write the report as PDF; into a folder under its own name"},
+    Option{"--csv", "FILE", "write its records as CSV for a spreadsheet"},
+    Option{"--vessel", "VESSEL", "of this vessel; needed by most reports when the fleet has several"},
+    Option{"--from", "DATE", "from this day on"},
+    Option{"--to", "DATE", "until the end of this day"},
     Option{"--detailed", "", "with notes, parts and corrections (service-history)"},
-    Option{"--vessel", "VESSEL", "of this vessel; needed when the fleet has several"},
-    Option{"--from", "DATE", "services from this day on"},
-    Option{"--to", "DATE", "services until the end of this day"},
+    Option{"--search", "WORDS", "records in which every word occurs"},
+    Option{.name = "--filter",
+           .value = "COLUMN=VALUE",
+           .help = "records with this value, such as weather=Storm, skipper=Rossi, fuelType=MGO",
+           .repeatable = true},
+    Option{.name = "--id", .value = "ID", .help = "this record only", .repeatable = true},
+    Option{"--oldest-first", "", "in the order of time; the newest come first without it"},
 };
 
 constexpr std::array kSignOut{Option{"--force", "", "although changes wait to be sent"}};
@@ -155,13 +162,14 @@ constexpr std::array kCommands{
             .details = {},
             .run = showHistory},
     Command{.name = "report",
-            .operands = "work-list|service-history",
+            .operands = "REPORT",
             .fewestOperands = 1,
             .mostOperands = 1,
             .options = kReport,
             .drawsPages = true,
-            .summary = "Write the work list or the service history as PDF or CSV",
-            .details = "import-tasks and import-history read the CSV again.",
+            .summary = "Write the work list, the service history or a register as PDF or CSV",
+            .details = "REPORT is work-list, ship-log, bunkering and so on; a wrong one is answered with all of them.\n"
+                       "import-tasks, import-history and import read the CSV again.",
             .run = writeReport},
     Command{.name = "templates",
             .operands = "",
@@ -200,6 +208,18 @@ constexpr std::array kCommands{
             .details = "Services that the history has already are left out.\n"
                        "Prints {\"new\":n,\"known\":n,\"skipped\":n,\"logs\":[…]}.",
             .run = importHistory},
+    Command{
+        .name = "import",
+        .operands = "COLLECTION FILE",
+        .fewestOperands = 2,
+        .mostOperands = 2,
+        .options = kImport,
+        .access = Access::edits,
+        .input = Input::forDash,
+        .summary = "Import a register’s records from a CSV file that report or the window wrote (- is standard input)",
+        .details = "COLLECTION is shipsLog or bunkeringRecords. Records that are there already are left out.\n"
+                   "Prints {\"new\":n,\"known\":n,\"skipped\":n,\"records\":[…]}.",
+        .run = importRecords},
     Command{
         .name = "list",
         .operands = "COLLECTION",

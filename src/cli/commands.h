@@ -22,6 +22,7 @@ QCoro::Task<CommandResult> showTemplates(CommandContext context, Arguments argum
 QCoro::Task<CommandResult> addTemplates(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> importTasks(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> importHistory(CommandContext context, Arguments arguments);
+QCoro::Task<CommandResult> importRecords(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> showHistory(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> writeReport(CommandContext context, Arguments arguments);
 

@@ -1,6 +1,7 @@
-// import-tasks and import-history: records from spreadsheets.
+// import-tasks, import-history and import: records from spreadsheets.
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <QFile>
 
@@ -8,8 +9,11 @@
 #include "cli/json_text.h"
 #include "cli/store_use.h"
 #include "cli/text_table.h"
+#include "cli/values.h"
 #include "core/service_history_csv.h"
 #include "core/task_csv_import.h"
+#include "operations/bunkering_report.h"
+#include "operations/ships_log_report.h"
 
 namespace thalvorn::cli {
 namespace {
@@ -40,6 +44,13 @@ std::string previewNotices(const TaskCsvPreview& preview) {
   for (const TaskCsvRow& row : preview.rows)
     for (const std::string& problem : row.problems)
       notices += fmt::format("Line {}, {}: {}\n", row.line, printable(previewTitle(row)), printable(problem));
+  return notices;
+}
+
+std::string noticesOf(const std::vector<CsvProblem>& problems) {
+  std::string notices;
+  for (const CsvProblem& problem : problems)
+    notices += fmt::format("Line {}: {}\n", problem.line, printable(problem.message));
   return notices;
 }
 
@@ -92,9 +103,6 @@ QCoro::Task<CommandResult> importHistory(CommandContext context, Arguments argum
     const auto saved = co_await addAll(context, logs);
     if (!saved) co_return saved.error();
   }
-  std::string notices;
-  for (const CsvProblem& problem : import.problems)
-    notices += fmt::format("Line {}: {}\n", problem.line, printable(problem.message));
   co_return CommandResult{kDone,
                           JsonObject()
                                   .count("new", logs.size())
@@ -103,7 +111,59 @@ QCoro::Task<CommandResult> importHistory(CommandContext context, Arguments argum
                                   .json("logs", jsonOf(logs))
                                   .take() +
                               "\n",
-                          notices};
+                          noticesOf(import.problems)};
+}
+
+namespace {
+
+template <class T>
+QCoro::Task<CommandResult> importRegister(CommandContext context, Arguments arguments) {
+  const AppViewModel& store = *context.store;
+  const auto vessel = vesselOption(store, arguments);
+  if (!vessel) co_return vessel.error();
+  const auto text = csvText(context, arguments.operands.back());
+  if (!text) co_return refused(text.error());
+  const Uuid vesselID = (*vessel)->id;
+  RecordCsvImport<T> import = recordsFromCsv<T>(*text, vesselID, calendarAboard(context, vesselID));
+  if (import.records.empty() && import.skipped == 0 && !import.problems.empty())
+    co_return refused(import.problems.front().message);
+  const std::size_t inFile = import.records.size();
+  const std::vector<T> records =
+      newRecords<T>(std::move(import.records), store.collection<T>().records(), store.vessels().records(), vesselID);
+  if (!arguments.has("--dry-run")) {
+    const auto saved = co_await addAll(context, records);
+    if (!saved) co_return saved.error();
+  }
+  std::string notices;
+  for (const std::string& column : import.ignoredColumns)
+    notices += fmt::format("The column “{}” is not known and not read.\n", printable(column));
+  co_return CommandResult{kDone,
+                          JsonObject()
+                                  .count("new", records.size())
+                                  .count("known", inFile - records.size())
+                                  .count("skipped", import.skipped)
+                                  .json("records", jsonOf(records))
+                                  .take() +
+                              "\n",
+                          notices + noticesOf(import.problems)};
+}
+
+}  // namespace
+
+QCoro::Task<CommandResult> importRecords(CommandContext context, Arguments arguments) {
+  using Import = QCoro::Task<CommandResult> (*)(CommandContext, Arguments);
+  Import import = nullptr;
+  std::vector<std::string_view> collections;
+  forEachKind([&]<class T>(std::type_identity<T>) {
+    if constexpr (HasRegister<T>) {
+      collections.push_back(RecordKind<T>::facts.collection);
+      if (equalIgnoringCase(arguments.operands.front(), collections.back())) import = importRegister<T>;
+    }
+  });
+  if (import == nullptr)
+    co_return misused(fmt::format("There is no register “{}”; the registers are {}.", arguments.operands.front(),
+                                  fmt::join(collections, ", ")));
+  co_return co_await import(std::move(context), std::move(arguments));
 }
 
 }  // namespace thalvorn::cli

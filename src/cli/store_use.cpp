@@ -76,6 +76,12 @@ std::expected<const MaintenanceTask*, CommandResult> findTask(const AppViewModel
   return task;
 }
 
+Calendar calendarAboard(const CommandContext& context, const Uuid& vesselID) {
+  const VesselProfile* profile = context.store->profileOf(vesselID);
+  if (profile == nullptr || profile->timeZone.empty()) return context.calendar;
+  return Calendar::inZone(profile->timeZone).value_or(context.calendar);
+}
+
 std::string vesselName(const AppViewModel& store, const Uuid& id) {
   const Vessel* vessel = store.vessels().find(id);
   return vessel != nullptr ? vessel->name : std::string();

@@ -25,6 +25,9 @@ std::expected<const Vessel*, CommandResult> vesselOption(const AppViewModel& sto
 
 std::expected<const MaintenanceTask*, CommandResult> findTask(const AppViewModel& store, std::string_view id);
 
+/// The calendar of the vessel's time zone; the command's own where she has none.
+Calendar calendarAboard(const CommandContext& context, const Uuid& vesselID);
+
 /// The name of a vessel; empty when it is not in the fleet.
 std::string vesselName(const AppViewModel& store, const Uuid& id);
 
