@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <string>
 
 #include "base/search_text.h"
+#include "core/demo_dice.h"
 #include "core/demo_tables.h"
 #include "core/meters.h"
 #include "core/task_snooze.h"
@@ -17,28 +17,11 @@ namespace thalvorn {
 namespace {
 
 using namespace std::chrono_literals;
+using demo::Dice;
 using demo::Yacht;
 
 constexpr Uuid kDemoSpace{
     {0xa4, 0x37, 0x90, 0x5c, 0x18, 0xe2, 0x4d, 0x06, 0x83, 0x5f, 0x2b, 0x61, 0xf7, 0xc9, 0x0a, 0x44}};
-
-/// Numbers that look random and are the same on every machine (splitmix64).
-class Dice {
- public:
-  explicit Dice(const Uuid& seed) { std::memcpy(&state_, seed.bytes.data(), sizeof state_); }
-
-  /// 0 to `count` - 1.
-  unsigned below(unsigned count) { return static_cast<unsigned>(next() % count); }
-
- private:
-  std::uint64_t next() {
-    std::uint64_t z = (state_ += 0x9E3779B97F4A7C15ULL);
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ULL;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBULL;
-    return z ^ (z >> 31);
-  }
-  std::uint64_t state_ = 0;
-};
 
 bool endsWithJob(std::string_view title, std::string_view job) {
   return title.size() >= job.size() && equalIgnoringCase(title.substr(title.size() - job.size()), job);

@@ -4,6 +4,7 @@
 
 #include "base/date_format.h"
 #include "core/demo_fleet.h"
+#include "operations/demo_voyages.h"
 #include "store/app_view_model.h"
 
 namespace thalvorn {
@@ -48,6 +49,9 @@ Saving AppViewModel::fillDemoFleet() {
   addEntries(lists, fleet.profiles);
   addEntries(lists, fleet.tasks);
   addEntries(lists, fleet.logs);
+  const DemoVoyages voyages = demoVoyages(fleet, now(), calendar());
+  addEntries(lists, voyages.shipsLog);
+  addEntries(lists, voyages.bunkering);
   const auto promise = std::make_shared<QPromise<SaveResult>>();
   promise->start();
   cache_.replaceAll(std::string(demoPrefix), std::move(lists), [promise](std::expected<Revision, CacheError> result) {
