@@ -114,9 +114,9 @@ struct Cruising {
   std::int64_t crew = 0;
   double fillGallons = 0;  ///< taken on at a time, about
 };
-constexpr std::array<Cruising, 3> kCruising{{{"M/Y Meridian", kMeridianRound, 34, 5, 12.4, 78, false, 7, 4200},
-                                             {"S/Y Halcyon Wind", kHalcyonRound, 28, 6, 7.6, 2.4, true, 4, 210},
-                                             {"Sirocco", kSiroccoRound, 30, 5, 26.5, 118, false, 4, 820}}};
+constexpr std::array<Cruising, 3> kCruising{{{"M/Y Meridian", kMeridianRound, 34, 5, 12.4, 78, false, 7, 2100},
+                                             {"S/Y Halcyon Wind", kHalcyonRound, 28, 6, 7.6, 2.4, true, 4, 85},
+                                             {"Sirocco", kSiroccoRound, 30, 5, 26.5, 118, false, 4, 320}}};
 
 struct Supplier {
   std::string_view name;

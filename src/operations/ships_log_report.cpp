@@ -52,7 +52,7 @@ Document logDocument(std::string title, Entries entries, Vessels vessels, std::s
     document.headNotes.push_back(std::move(days));
   document.headNotes.push_back(orderText(entries));
 
-  Table table = logTable(entries, setting.litres || totals.fuelLitres, setting);
+  Table table = logTable(entries, totals.fuelLitres.has_value(), setting);
   if (vessels.size() != 1) addVesselColumn(table, entries, vessels);
   document.blocks.push_back(std::move(table));
   document.blocks.push_back(Summary{

@@ -97,9 +97,9 @@ TEST(ShipsLogPaper, TheLogOfAVesselHasItsColumnsAndSums) {
        "31 May 2026 00:30 Antibes → Calvi 7.5 4,812.4", "SUMMARY", "Passages 2", "Total distance 92 nm",
        "Hours underway 15.0 hrs", "Total fuel 410 gal", "Officer of the watch — name, signature, date", "Page 1 of 1"});
 
-  ReportSetting metric = setting();
-  metric.litres = true;
-  EXPECT_EQ(count(printedText(shipsLogReport(entries, vessel, {}, metric)), "Fuel (L)"), 1U);
+  entries[1].fuelUsedLitres = 1552;
+  expectInOrder(oneBlank(printedText(shipsLogReport(entries, vessel, {}, setting()))),
+                {"Fuel Used: 410 gal / 1552 L", "Fuel (gal) Fuel (L)", "1,552.0"});
   const ReportPeriod period{at("2026-05-01"), {}};
   expectInOrder(oneBlank(printedText(shipsLogReport({}, vessel, period, setting()))),
                 {"from 1 May 2026", "0 log entries", "Passages: 0", "No entries", "Total distance 0 nm"});
