@@ -31,11 +31,56 @@ std::string lowered(std::string_view text) {
 
 bool startsFormula(char c) { return c == '=' || c == '+' || c == '-' || c == '@' || c == '\t' || c == '\r'; }
 
-/// Whether a formula character follows any number of apostrophes: guarded or not, the text is told apart by their
-/// count.
-bool needsFormulaGuard(std::string_view text) {
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// The lengths of the digits between separators.
+struct DigitRuns {
+  std::array<std::size_t, 4> lengths{};
+  std::size_t count = 0;  ///< 0 when there is anything else, or more of them
+};
+
+DigitRuns digitRuns(std::string_view text, std::string_view separators) {
+  DigitRuns runs{.count = 1};
+  for (const char c : text) {
+    if (isDigit(c)) {
+      ++runs.lengths[runs.count - 1];
+    } else if (separators.contains(c) && runs.count < runs.lengths.size()) {
+      ++runs.count;
+    } else {
+      return {};
+    }
+  }
+  return runs;
+}
+
+/// Whether a spreadsheet reads the text as a number or a date and then shows another one: "00123", "1.10", "12E5",
+/// "1,234", "3/4", sixteen digits. Days as this program writes them are meant as such.
+bool isRewritten(std::string_view text) {
+  if (text.empty() || !isDigit(text.front()) || !isDigit(text.back())) return false;
+  constexpr std::size_t mostDigits = 15;
+  if (const auto exponent = text.find_first_of("eE"); exponent != text.npos) {
+    auto power = text.substr(exponent + 1);
+    if (power.starts_with('+') || power.starts_with('-')) power.remove_prefix(1);
+    const auto mantissa = digitRuns(text.substr(0, exponent), ".");
+    return std::ranges::all_of(power, isDigit) && (mantissa.count == 1 || mantissa.count == 2);
+  }
+  const auto number = digitRuns(text, ".");
+  if (number.count == 1 || number.count == 2) {
+    const bool leadingZero = text.front() == '0' && text.size() > 1 && isDigit(text[1]);
+    return leadingZero || text.size() > mostDigits || (number.count == 2 && text.back() == '0');
+  }
+  if (digitRuns(text, ",").count > 0) return true;
+  const auto date = digitRuns(text, "-/.");
+  const bool ours = date.lengths == std::array<std::size_t, 4>{4, 2, 2} && text[4] == '-' && text[7] == '-';
+  return (date.count == 2 || date.count == 3) && !ours &&
+         std::ranges::all_of(date.lengths, [](std::size_t digits) { return digits <= 4; });
+}
+
+/// Whether what follows any number of apostrophes would be run or rewritten: guarded or not, the text is told apart by
+/// their count.
+bool needsGuard(std::string_view text) {
   const auto first = text.find_first_not_of('\'');
-  return first != std::string_view::npos && startsFormula(text[first]);
+  return first != text.npos && (startsFormula(text[first]) || isRewritten(text.substr(first)));
 }
 
 std::string fromUtf16(std::string_view bytes, bool bigEndian) {
@@ -141,7 +186,7 @@ CsvSource openCsv(std::string_view text, std::optional<CsvSeparator> chosen) {
 }
 
 std::string_view withoutFormulaGuard(std::string_view cell) {
-  if (cell.starts_with('\'') && needsFormulaGuard(cell)) cell.remove_prefix(1);
+  if (cell.starts_with('\'') && needsGuard(cell)) cell.remove_prefix(1);
   return cell;
 }
 
@@ -204,7 +249,7 @@ CsvWriter& CsvWriter::text(std::string_view value) {
   const bool padded = !value.empty() && (value.front() == ' ' || value.back() == ' ');
   const char special[] = {static_cast<char>(format_.separator), '"', '\r', '\n'};
   if (!padded && value.find_first_of(std::string_view(special, sizeof special)) == std::string_view::npos) {
-    if (needsFormulaGuard(value)) out_ += '\'';
+    if (needsGuard(value)) out_ += '\'';
     out_ += value;
     return *this;
   }
@@ -220,7 +265,7 @@ CsvWriter& CsvWriter::label(std::string_view value) {
 
 void CsvWriter::appendQuoted(std::string_view value) {
   out_ += '"';
-  if (needsFormulaGuard(value)) out_ += '\'';
+  if (needsGuard(value)) out_ += '\'';
   for (const char c : value) {
     if (c == '"') out_ += '"';
     out_ += c;

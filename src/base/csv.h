@@ -55,7 +55,7 @@ std::string csvTextFromBytes(std::string bytes);
 /// quotes in the header line is taken, comma when there is none.
 CsvSource openCsv(std::string_view text, std::optional<CsvSeparator> chosen = std::nullopt);
 
-/// Removes the apostrophe that CsvWriter puts before text a spreadsheet would run as a formula.
+/// Removes the apostrophe that CsvWriter puts before text a spreadsheet would run as a formula or rewrite as a number.
 std::string_view withoutFormulaGuard(std::string_view cell);
 
 namespace csv_detail {
@@ -147,7 +147,8 @@ class CsvWriter {
  public:
   explicit CsvWriter(CsvFormat format = {});
 
-  /// A text cell. Text that a spreadsheet would run as a formula gets an apostrophe before it.
+  /// A text cell. Text that a spreadsheet would run as a formula or, like "00123" or "3/4", show as another number or
+  /// a date gets an apostrophe before it.
   CsvWriter& text(std::string_view value);
   /// A text cell in quotation marks whether it needs them or not: the label of a figure.
   CsvWriter& label(std::string_view value);

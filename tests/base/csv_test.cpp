@@ -90,9 +90,10 @@ TEST(CsvBytes, ReadsWhatSpreadsheetsSave) {
 }
 
 TEST(CsvWriter, WritesWhatOurReaderReadsBack) {
-  const std::vector<std::string> texts = {"plain",  "a,b",      "say \"hi\"", "two\r\nlines", "=1+1",     "+39 010",
-                                          "-check", "@home",    "\tx",        "'=already",    "''-twice", "'tis",
-                                          "",       " padded ", "ünïcøde ⚓", "\"",           "a;b\tc"};
+  const std::vector<std::string> texts = {"plain",    "a,b",        "say \"hi\"", "two\r\nlines", "=1+1",
+                                          "+39 010",  "-check",     "@home",      "\tx",          "'=already",
+                                          "''-twice", "'tis",       "",           "00123",        "'1.10",
+                                          " padded ", "ünïcøde ⚓", "\"",         "a;b\tc"};
   for (const auto separator : {CsvSeparator::comma, CsvSeparator::semicolon, CsvSeparator::tab}) {
     CsvWriter writer({.separator = separator});
     for (const auto& text : texts) writer.text(text);
@@ -108,6 +109,19 @@ TEST(CsvWriter, WritesWhatOurReaderReadsBack) {
     });
     EXPECT_EQ(read, texts);
   }
+}
+
+TEST(CsvWriter, GuardsTextThatASpreadsheetWouldRewrite) {
+  const auto written = [](std::string_view text) {
+    const std::string file = CsvWriter().text(text).take();
+    return file.substr(3);
+  };
+  for (const auto* text : {"00123", "007.5", "1.10", "12E5", "1.5e-3", "1234567890123456", "3/4", "8-12", "1.2.2026"})
+    EXPECT_EQ(written(text), std::string("'") + text);
+  EXPECT_EQ(written("1,234"), "\"'1,234\"");
+  for (const auto* text : {"20418", "0", "0.5", "1.25", "2026-11-21", "2026-11-21 08:00", "9074729", "12EF",
+                           "192.168.0.1", "3/4 full", "8–12", "1e", "5%"})
+    EXPECT_EQ(written(text), text);
 }
 
 TEST(CsvWriter, NumbersStayNumbers) {
