@@ -93,7 +93,7 @@ QCoro::Task<CommandResult> importHistory(CommandContext context, Arguments argum
   const auto text = csvText(context, arguments.operands.front());
   if (!text) co_return refused(text.error());
   const Uuid vesselID = (*vessel)->id;
-  ServiceCsvImport import = serviceLogsFromCsv(*text, vesselID, context.calendar);
+  ServiceCsvImport import = serviceLogsFromCsv(*text, vesselID, calendarAboard(context, vesselID));
   if (import.logs.empty() && import.skipped == 0 && !import.problems.empty())
     co_return refused(import.problems.front().message);
   const std::size_t inFile = import.logs.size();

@@ -221,6 +221,7 @@ QCoro::Task<CommandResult> writeReport(CommandContext context, Arguments argumen
   auto vessels = reportedVessels(*context.store, arguments, kind->ofOneVessel);
   if (!vessels) co_return vessels.error();
   const ReportSetting setting = settingFor(context, *vessels);
+  context.calendar = setting.calendar;  // days that are named are days aboard
   const auto report = kind->make({context, arguments, *std::move(vessels), setting});
   if (!report) co_return report.error();
 

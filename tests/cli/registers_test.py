@@ -39,7 +39,8 @@ class RegisterReportTest(CliTest):
         oldest_first = self.text("ship-log", "--oldest-first")
         self.assertGreater(oldest_first.index("Calvi → Bonifacio"), oldest_first.index("Antibes → Calvi"))
         for words, passages in [(["--search", "calvi"], 2), (["--search", "bonif vela"], 1), (["--to", "2026-05-19"], 1),
-                                (["--from", "2026-05-02", "--to", "2026-05-03"], 0), (["--filter", "weather=storm"], 1),
+                                (["--from", "2026-05-02", "--to", "2026-05-02"], 1),
+                                (["--from", "2026-05-03", "--to", "2026-05-04"], 0), (["--filter", "weather=storm"], 1),
                                 (["--filter", "weather=Storm", "--filter", "weather=Calm"], None),
                                 (["--filter", "weather=Storm", "--filter", "weather=Sunny"], 2),
                                 (["--filter", "skipper=inigo"], 1)]:
