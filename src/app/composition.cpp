@@ -13,7 +13,9 @@
 #include "app/page_access.h"
 #include "app/record_form.h"
 #include "app/record_search.h"
+#include "app/registers/register_pages.h"
 #include "app/restart.h"
+#include "app/text.h"
 #include "platform/deep_link.h"
 #include "platform/desktop_identity.h"
 #include "platform/store_access.h"
@@ -51,7 +53,12 @@ void registerSingleton(const char* name, T* instance) {
 QString pageOfKind(const QString& kind) {
   if (kind == u"vessels") return QStringLiteral("vessels");
   if (kind == u"logs") return QStringLiteral("serviceHistory");
-  return kind == u"tasks" ? QStringLiteral("taskLibrary") : QString();
+  if (kind == u"tasks") return QStringLiteral("taskLibrary");
+  QString page;
+  forEachRegister([&]<class T>(std::type_identity<T>, std::u16string_view) {
+    if (kind == toQt(RecordKind<T>::facts.collection)) page = toQt(Register<T>::facts.key);
+  });
+  return page;
 }
 
 }  // namespace
@@ -171,6 +178,7 @@ void Composition::makeControllers() {
     makeAccount();
     fleet_ = std::make_unique<FleetController>(session_->model(), *notices_);
     search_->addScan(recordScan(session_->model()));
+    addRegisterScans(*search_, session_->model());
     maintenance_ = std::make_unique<MaintenanceController>(session_->model(), session_->attachments(), *format_, *app_,
                                                            *preferences_);
     recordPages_ = std::make_unique<RecordPages>(*session_, *preferences_, *app_, *format_);

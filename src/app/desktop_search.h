@@ -8,7 +8,7 @@
 namespace thalvorn::app {
 
 /// Answers the desktop's search from the program's own.
-class DesktopSearch : public SearchIndex {
+class DesktopSearch : public DesktopSearchIndex {
  public:
   explicit DesktopSearch(SearchSource source) : source_(std::move(source)) {}
 

@@ -75,6 +75,27 @@ QDate parseDay(const QString& text, const QDate& today) {
 
 Format::Format(const Clock& clock, QObject* parent) : QObject(parent), clock_(clock), numbers_(localeOf(QLocale())) {}
 
+bool Format::metric() const { return QLocale().measurementSystem() == QLocale::MetricSystem; }
+
+QVariantList Format::periods() const {
+  using namespace std::chrono;
+  const Calendar calendar = clock_.calendar();
+  const year_month_day today = calendar.date(clock_.now());
+  const auto period = [&](const char* text, year_month_day first, year_month_day last) {
+    return QVariantMap{{QStringLiteral("text"), QString::fromLatin1(text)},
+                       {QStringLiteral("first"), toQml(calendar.at(first))},
+                       {QStringLiteral("last"), toQml(calendar.at(last))}};
+  };
+  const year_month month = today.year() / today.month();
+  const auto lastOf = [](year_month of) { return year_month_day(of / std::chrono::last); };
+  const year_month before = month - months(1);
+  const year_month_day yearAgo(sys_days(lastOf(month - months(12))) + days(1));
+  return {period("This month", month / 1, lastOf(month)), period("Last month", before / 1, lastOf(before)),
+          period("Last 12 months", yearAgo, lastOf(month)),
+          period("This year", today.year() / 1 / 1, today.year() / 12 / 31),
+          period("Last year", (today.year() - years(1)) / 1 / 1, (today.year() - years(1)) / 12 / 31)};
+}
+
 QDateTime Format::toQml(Timestamp time) { return QDateTime::fromSecsSinceEpoch(time.time_since_epoch().count()); }
 
 Timestamp Format::fromQml(const QDateTime& time) { return Timestamp(std::chrono::seconds(time.toSecsSinceEpoch())); }

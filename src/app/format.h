@@ -41,6 +41,12 @@ class Format : public QObject {
   /// "21 Nov 09:40". What is not given is taken from `otherwise`, else from now. Undefined when it cannot be read.
   Q_INVOKABLE QVariant parseDate(const QString& text, const QVariant& otherwise = {}, bool withTime = false) const;
 
+  /// Stretches of days that lists are narrowed to: [{text, first, last}], "This month", "Last month", "This year" ….
+  Q_INVOKABLE QVariantList periods() const;
+
+  /// Whether the user's country measures in litres and metres.
+  bool metric() const;
+
   const NumberLocale& numbers() const { return numbers_; }
   const Clock& clock() const { return clock_; }
 

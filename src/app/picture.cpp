@@ -78,40 +78,46 @@ QString saveWelcome(Composition& composition, const QString& folder, QStringView
 struct Sheet {
   const char16_t* name;
   const char16_t* source;
-  const char16_t* key;  ///< of the record it opens; empty for none
+  const char16_t* key;          ///< the property that names its record; empty for none
+  std::string_view collection;  ///< whose first record of the vessel in view it opens
 };
 
 constexpr std::array kSheets{
-    Sheet{u"sheet-task", u"maintenance/TaskSheet.qml", u"taskId"},
-    Sheet{u"sheet-complete", u"maintenance/CompleteSheet.qml", u"taskId"},
-    Sheet{u"sheet-snooze", u"maintenance/SnoozeSheet.qml", u"taskId"},
-    Sheet{u"sheet-hours", u"maintenance/HoursSheet.qml", u""},
-    Sheet{u"sheet-service", u"history/CorrectServiceSheet.qml", u"serviceId"},
-    Sheet{u"sheet-vessel", u"fleet/VesselSheet.qml", u"vesselId"},
+    Sheet{u"sheet-task", u"maintenance/TaskSheet.qml", u"taskId", "tasks"},
+    Sheet{u"sheet-complete", u"maintenance/CompleteSheet.qml", u"taskId", "tasks"},
+    Sheet{u"sheet-snooze", u"maintenance/SnoozeSheet.qml", u"taskId", "tasks"},
+    Sheet{u"sheet-hours", u"maintenance/HoursSheet.qml", u"", ""},
+    Sheet{u"sheet-service", u"history/CorrectServiceSheet.qml", u"serviceId", "logs"},
+    Sheet{u"sheet-vessel", u"fleet/VesselSheet.qml", u"vesselId", "vessels"},
+    Sheet{u"sheet-shipsLog", u"registers/ShipsLogSheet.qml", u"recordId", "shipsLog"},
+    Sheet{u"sheet-bunkering", u"registers/BunkeringSheet.qml", u"recordId", "bunkeringRecords"},
 };
 
 /// The record of the selected vessel that a sheet is shown with.
-QString recordFor(const AppViewModel& store, QStringView key) {
+QString recordFor(const AppViewModel& store, std::string_view collection) {
   const Uuid vessel = store.selectedVesselID().value_or(Uuid{});
+  if (collection == RecordKind<Vessel>::facts.collection) return QString::fromStdString(vessel.toString());
   std::string id;
-  if (key == u"vesselId") id = vessel.toString();
-  if (key == u"taskId")
-    for (const MaintenanceTask& task : store.tasks().records())
-      if (task.vesselID == vessel && id.empty()) id = task.id.toString();
-  if (key == u"serviceId")
-    for (const ServiceLog& log : store.logs().records())
-      if (log.vesselID == vessel && id.empty()) id = log.id.toString();
+  forEachKind([&]<class T>(std::type_identity<T>) {
+    if (RecordKind<T>::facts.collection != collection) return;
+    for (const T& record : store.collection<T>().records())
+      if (id.empty() && vesselOf(record) == vessel) id = record.id.toString();
+  });
   return QString::fromStdString(id);
+}
+
+void openSheet(Composition& composition, const Sheet& sheet) {
+  const QString key = QString::fromUtf16(sheet.key);
+  QVariantMap properties;
+  if (!key.isEmpty()) properties[key] = recordFor(composition.store(), sheet.collection);
+  composition.app().openSheet(QString::fromUtf16(sheet.source), properties);
 }
 
 /// The forms over the page from which they are opened.
 QString saveSheets(Composition& composition, const QString& folder, QStringView scheme) {
   composition.app().open(QStringLiteral("maintenance"));
   for (const Sheet& sheet : kSheets) {
-    const QString key = QString::fromUtf16(sheet.key);
-    QVariantMap properties;
-    if (!key.isEmpty()) properties[key] = recordFor(composition.store(), key);
-    composition.app().openSheet(QString::fromUtf16(sheet.source), properties);
+    openSheet(composition, sheet);
     const QString name = QStringLiteral("%1-%2.png").arg(QStringView(sheet.name), scheme);
     if (QString fault = savePicture(composition, QDir(folder).filePath(name)); !fault.isEmpty()) return fault;
   }
@@ -173,6 +179,10 @@ QStringList visitEveryPage(Composition& composition) {
   }
   for (const char* name : {"openSearch", "openHelp", "openStatusHelp", "openShortcuts", "openAbout"}) {
     composition.app().post(QString::fromLatin1(name));
+    settle(composition.window());
+  }
+  for (const Sheet& sheet : kSheets) {
+    openSheet(composition, sheet);
     settle(composition.window());
   }
   for (const char* sheet : {"Invite", "Member", "ChangePassword"}) {

@@ -21,7 +21,13 @@ RecordPages::RecordPages(StoreSession& session, PreferenceStore& preferences, Ap
       vessels_(std::make_unique<VesselList>(session.model(), session.attachments(), app, format)),
       settings_(std::make_unique<Settings>(session, preferences, app, format)),
       reports_(std::make_unique<ReportDesk>(session.model(), session.attachments(), *history_->model(), preferences,
-                                            app, format)) {}
+                                            app, format)),
+      registers_(std::make_unique<Registers>(RegisterTools{.store = session.model(),
+                                                           .attachments = session.attachments(),
+                                                           .preferences = preferences,
+                                                           .app = app,
+                                                           .format = format,
+                                                           .reports = *reports_})) {}
 
 RecordPages::~RecordPages() = default;
 
@@ -32,6 +38,7 @@ void RecordPages::registerForQml() {
   registerAs("VesselList", vessels_);
   registerAs("Settings", settings_);
   registerAs("Reports", reports_);
+  registerAs("Registers", registers_);
 }
 
 void RecordPages::addImages(QQmlEngine& engine) {

@@ -11,12 +11,13 @@
 #include "app/library/task_import.h"
 #include "app/library/template_library.h"
 #include "app/preview/report_desk.h"
+#include "app/registers/registers.h"
 #include "app/store_session.h"
 
 namespace thalvorn::app {
 
 /// The controllers behind the pages that read and keep the records: service history, template library, import,
-/// vessels, settings and reports.
+/// vessels, settings, reports and the registers.
 class RecordPages {
  public:
   RecordPages(StoreSession& session, PreferenceStore& preferences, AppController& app, const Format& format);
@@ -35,6 +36,7 @@ class RecordPages {
   std::unique_ptr<VesselList> vessels_;
   std::unique_ptr<Settings> settings_;
   std::unique_ptr<ReportDesk> reports_;
+  std::unique_ptr<Registers> registers_;
 };
 
 }  // namespace thalvorn::app

@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <memory>
 
+#include "app/registers/register_pages.h"
 #include "app/text.h"
 #include "base/date_format.h"
 #include "base/search_text.h"
@@ -129,6 +130,55 @@ class Scan {
   QElapsedTimer clock_;
 };
 
+/// One search through a register, likewise.
+template <class T>
+class RegisterScan {
+ public:
+  RegisterScan(const AppViewModel& model, const QString& query, int limit, std::u16string_view icon)
+      : model_(model), words_(query.toStdString()), limit_(limit), icon_(icon) {}
+
+  bool step(std::vector<SearchHit>& hits) {
+    if (words_.empty()) return true;
+    QElapsedTimer clock;
+    clock.start();
+    const std::span<const T> records = model_.collection<T>().records();
+    while (at_ < records.size() && found_ < limit_) {
+      const T& record = records[at_++];
+      texts_.clear();
+      appendSearched(texts_, record);
+      if (words_.matches({texts_})) {
+        hits.push_back(hit(record));
+        ++found_;
+      }
+      if (at_ % kLookAtClockEvery == 0 && clock.hasExpired(kSlice.count())) return false;
+    }
+    return true;
+  }
+
+ private:
+  SearchHit hit(const T& record) const {
+    QString detail = toQt(formatDate(model_.calendar().date(record.*Register<T>::date)));
+    const auto id = vesselOf(record);
+    if (const Vessel* vessel = id ? model_.vessels().find(*id) : nullptr)
+      detail += QStringLiteral(" · ") + toQt(vessel->name);
+    return {.title = toQt(Register<T>::name(record)),
+            .detail = detail,
+            .icon = QString::fromUtf16(icon_.data(), static_cast<qsizetype>(icon_.size())),
+            .group = toQt(Register<T>::facts.title),
+            .page = toQt(Register<T>::facts.key),
+            .arguments = highlight(record.id),
+            .notification = {}};
+  }
+
+  const AppViewModel& model_;
+  SearchWords words_;
+  int limit_;
+  std::u16string_view icon_;
+  std::size_t at_ = 0;
+  int found_ = 0;
+  std::string texts_;
+};
+
 }  // namespace
 
 SearchSource recordSearch(const AppViewModel& model) {
@@ -145,6 +195,16 @@ SearchScan recordScan(const AppViewModel& model) {
       return scan->step(hits, kSlice);
     };
   };
+}
+
+void addRegisterScans(SearchModel& search, const AppViewModel& model) {
+  forEachRegister([&]<class T>(std::type_identity<T>, std::u16string_view icon) {
+    search.addScan([&model, icon](const QString& query, int limit) -> SearchStep {
+      return [scan = std::make_shared<RegisterScan<T>>(model, query, limit, icon)](std::vector<SearchHit>& hits) {
+        return scan->step(hits);
+      };
+    });
+  });
 }
 
 }  // namespace thalvorn::app

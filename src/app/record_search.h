@@ -15,4 +15,7 @@ SearchSource recordSearch(const AppViewModel& model);
 /// the window's search.
 SearchScan recordScan(const AppViewModel& model);
 
+/// The records of every register, likewise.
+void addRegisterScans(SearchModel& search, const AppViewModel& model);
+
 }  // namespace thalvorn::app

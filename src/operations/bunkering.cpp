@@ -25,17 +25,20 @@ BunkeringRecord newBunkeringRecord(const Vessel& vessel, const VesselProfile& pr
   return made;
 }
 
+void BunkeringTotals::add(const BunkeringRecord& record) {
+  ++records;
+  gallons += record.quantityGallons;
+  charge += record.totalCharge;
+  charges.add(record.totalCharge, record.currency);
+}
+
 bool BunkeringTotals::hasOtherCurrencies() const {
   return std::ranges::any_of(charges.byCurrency(), [](const auto& total) { return total.first != "USD"; });
 }
 
 BunkeringTotals totalsOf(std::span<const BunkeringRecord> records) {
-  BunkeringTotals totals{.records = records.size(), .charges = {}};
-  for (const BunkeringRecord& record : records) {
-    totals.gallons += record.quantityGallons;
-    totals.charge += record.totalCharge;
-    totals.charges.add(record.totalCharge, record.currency);
-  }
+  BunkeringTotals totals;
+  for (const BunkeringRecord& record : records) totals.add(record);
   return totals;
 }
 

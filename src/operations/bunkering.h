@@ -31,8 +31,9 @@ struct BunkeringTotals {
   /// All invoiced totals as the numbers they are, which is what the register's report totals as US dollars; a sum of
   /// money only where `charges` has one currency.
   double charge = 0;
-  CurrencyTotals charges;
+  CurrencyTotals charges{};
 
+  void add(const BunkeringRecord& record);
   /// Whether something was invoiced in another currency than US dollars.
   bool hasOtherCurrencies() const;
 };

@@ -11,6 +11,8 @@ struct Register<BunkeringRecord> {
   static constexpr RegisterFacts facts{
       .key = "bunkering", .title = "Fuel Bunkering Log", .singular = "bunkering record", .plural = "bunkering records"};
   static constexpr auto date = &BunkeringRecord::date;
+  /// How a person calls a delivery: who supplied it, and where.
+  static std::string name(const BunkeringRecord& record);
   static constexpr std::array columns{
       fieldColumn<&BunkeringRecord::date>(),
       fieldColumn<&BunkeringRecord::supplierName>({.title = "Supplier", .searched = true, .weight = 1.4}),

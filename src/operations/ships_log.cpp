@@ -17,7 +17,7 @@ std::string_view nameOr(std::string_view name, std::string_view placeholder) {
   return withoutBlanks(name).empty() ? placeholder : name;
 }
 
-void add(std::optional<double>& sum, const std::optional<double>& value) {
+void addTo(std::optional<double>& sum, const std::optional<double>& value) {
   if (value) sum = sum.value_or(0) + *value;
 }
 
@@ -69,14 +69,17 @@ std::string journalCountText(const ShipsLogEntry& entry) {
 std::string_view printedName(const GuestManifestEntry& guest) { return nameOr(guest.name, "Unnamed guest"); }
 std::string_view printedName(const CrewDutyEntry& crew) { return nameOr(crew.name, "Unnamed crew"); }
 
+void ShipsLogTotals::add(const ShipsLogEntry& entry) {
+  ++passages;
+  distanceNM += entry.distanceNM.value_or(0);
+  hoursUnderway += entry.hoursUnderway.value_or(0);
+  addTo(fuelGallons, entry.fuelUsedGallons);
+  addTo(fuelLitres, entry.fuelUsedLitres);
+}
+
 ShipsLogTotals totalsOf(std::span<const ShipsLogEntry> entries) {
-  ShipsLogTotals totals{.passages = entries.size(), .fuelGallons = {}, .fuelLitres = {}};
-  for (const ShipsLogEntry& entry : entries) {
-    totals.distanceNM += entry.distanceNM.value_or(0);
-    totals.hoursUnderway += entry.hoursUnderway.value_or(0);
-    add(totals.fuelGallons, entry.fuelUsedGallons);
-    add(totals.fuelLitres, entry.fuelUsedLitres);
-  }
+  ShipsLogTotals totals;
+  for (const ShipsLogEntry& entry : entries) totals.add(entry);
   return totals;
 }
 

@@ -46,9 +46,10 @@ struct ShipsLogTotals {
   std::size_t passages = 0;
   double distanceNM = 0;
   double hoursUnderway = 0;
-  std::optional<double> fuelGallons;  ///< empty when no entry has a value
-  std::optional<double> fuelLitres;
+  std::optional<double> fuelGallons{};  ///< empty when no entry has a value
+  std::optional<double> fuelLitres{};
 
+  void add(const ShipsLogEntry& entry);
   std::string distanceText() const;  ///< "345 nm"
   std::string fuelText() const;      ///< "1234 gal", "4671 L" or "1234 gal / 4671 L"
 };

@@ -7,4 +7,9 @@ std::string routeText(const ShipsLogEntry& entry) {
   return entry.departurePort + " → " + entry.arrivalPort;
 }
 
+std::string Register<ShipsLogEntry>::name(const ShipsLogEntry& entry) {
+  const std::string route = routeText(entry);
+  return route.empty() ? "Log entry" : route;
+}
+
 }  // namespace thalvorn

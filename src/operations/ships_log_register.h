@@ -14,6 +14,8 @@ struct Register<ShipsLogEntry> {
   static constexpr RegisterFacts facts{
       .key = "shipsLog", .title = "Ship's Log", .singular = "log entry", .plural = "log entries"};
   static constexpr auto date = &ShipsLogEntry::date;
+  /// How a person calls an entry: its route.
+  static std::string name(const ShipsLogEntry& entry);
   static constexpr std::array columns{
       fieldColumn<&ShipsLogEntry::date>({.title = "Date"}),
       computedColumn<ShipsLogEntry>({.key = "route", .title = "Route", .weight = 1.8},

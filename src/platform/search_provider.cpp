@@ -15,7 +15,7 @@ constexpr uint kQueueForName = 0;
 
 }  // namespace
 
-SearchProvider::SearchProvider(const SearchIndex& index, const QDBusConnection& bus, QObject* parent)
+SearchProvider::SearchProvider(const DesktopSearchIndex& index, const QDBusConnection& bus, QObject* parent)
     : QObject(parent), index_(index), bus_(bus) {
   qDBusRegisterMetaType<QList<QVariantMap>>();
   if (!bus_.isConnected()) return;

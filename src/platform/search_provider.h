@@ -17,9 +17,9 @@ struct SearchMeta {
 
 /// What is searched. Implemented over the store; asked on the window's thread with each letter the user types, so it
 /// answers from memory.
-class SearchIndex {
+class DesktopSearchIndex {
  public:
-  virtual ~SearchIndex() = default;
+  virtual ~DesktopSearchIndex() = default;
 
   /// The ids of the records that match all terms, the best first, at most `most` of them. The program chooses the ids;
   /// they come back in `meta` and in `SearchProvider::activated`.
@@ -41,7 +41,7 @@ class SearchProvider : public QObject {
   static constexpr qsizetype kMostResults = 50;
 
   /// `index` must outlive the provider.
-  SearchProvider(const SearchIndex& index, const QDBusConnection& bus, QObject* parent = nullptr);
+  SearchProvider(const DesktopSearchIndex& index, const QDBusConnection& bus, QObject* parent = nullptr);
   ~SearchProvider() override;
 
   // The names and arguments are those of the D-Bus interface. NOLINTBEGIN(readability-identifier-naming)
@@ -63,7 +63,7 @@ class SearchProvider : public QObject {
  private:
   void askBus(const QString& method, const QVariantList& arguments);
 
-  const SearchIndex& index_;
+  const DesktopSearchIndex& index_;
   QDBusConnection bus_;
 };
 

@@ -32,7 +32,7 @@ TEST_F(Window, OpensPagesByNumberAndGoesBack) {
   press(Qt::Key_2, Qt::ControlModifier);
   EXPECT_EQ(app().page(), QStringLiteral("maintenance"));
   press(Qt::Key_8, Qt::ControlModifier);
-  EXPECT_EQ(app().page(), QStringLiteral("vessels"));
+  EXPECT_EQ(app().page(), QStringLiteral("shipsLog"));
   press(Qt::Key_Left, Qt::AltModifier);
   EXPECT_EQ(app().page(), QStringLiteral("maintenance"));
 }

@@ -122,7 +122,7 @@ TEST_F(DesktopServicesTest, AMissingRefusingOrReturningServiceDoesNoHarm) {
   EXPECT_TRUE(eventually([&] { return noneFailed.size() == 1; }));
 }
 
-class FakeIndex : public SearchIndex {
+class FakeIndex : public DesktopSearchIndex {
  public:
   QStringList find(const QStringList& terms, qsizetype) const override {
     QStringList ids;

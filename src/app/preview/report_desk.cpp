@@ -57,7 +57,12 @@ ReportDesk::ReportDesk(AppViewModel& store, const AttachmentStore& attachments, 
   });
   // Who looks at a report and chooses another vessel wants hers.
   connect(&store_, &AppViewModel::selectedVesselIDChanged, this, [this] {
-    if (!report_.isEmpty() && app_.page() == u"report") show({{QStringLiteral("report"), report_}});
+    if (report_.isEmpty() || app_.page() != u"report") return;
+    if (ordered()) {
+      if (!order_.again) return;
+      order_ = order_.again();
+    }
+    show({{QStringLiteral("report"), report_}});
   });
 }
 
@@ -78,9 +83,14 @@ void ReportDesk::openServiceHistory(bool detailed) {
   app_.open(QStringLiteral("report"), {{QStringLiteral("report"), historyName(detailed)}});
 }
 
+void ReportDesk::open(ReportOrder order) {
+  order_ = std::move(order);
+  app_.open(QStringLiteral("report"), {{QStringLiteral("report"), order_.id}});
+}
+
 void ReportDesk::show(const QVariantMap& arguments) {
   report_ = arguments.value(QStringLiteral("report"), workListName()).toString();
-  vessel_ = store_.selectedVesselID();
+  vessel_ = ordered() ? order_.vessel : store_.selectedVesselID();
   savedFile_.clear();
   Q_EMIT reportChanged();
   make();
@@ -92,6 +102,7 @@ void ReportDesk::cancel() {
 }
 
 QString ReportDesk::title() const {
+  if (ordered()) return order_.title;
   if (report_ == workListName()) return QStringLiteral("Work list");
   return report_ == historyName(true) ? QStringLiteral("Service History (Detailed)")
                                       : QStringLiteral("Service History");
@@ -114,19 +125,23 @@ void ReportDesk::setPaper(const QString& paper) {
 
 // ---- making it ----
 
-ReportSetting ReportDesk::setting(const VesselProfile& profile) const {
-  const auto aboard = profile.timeZone.empty() ? std::unexpected(std::string()) : Calendar::inZone(profile.timeZone);
+ReportSetting ReportDesk::setting(const std::optional<Uuid>& vessel) const {
+  const VesselProfile* profile = vessel ? store_.profileOf(*vessel) : nullptr;
+  const auto aboard =
+      !profile || profile->timeZone.empty() ? std::unexpected(std::string()) : Calendar::inZone(profile->timeZone);
   return {.now = store_.now(),
           .calendar = aboard ? *aboard : store_.calendar(),
           .numbers = format_.numbers(),
-          .paper = paper() == u"letter" ? PaperSize::letter : PaperSize::a4};
+          .paper = paper() == u"letter" ? PaperSize::letter : PaperSize::a4,
+          .litres = format_.metric()};
 }
 
 DocumentMaker ReportDesk::documentMaker() const {
+  if (ordered()) return order_.document(setting(order_.vessel));
   const Vessel& shown = *vessel();
   const VesselProfile* known = store_.profileOf(shown.id);
   const VesselProfile profile = known ? *known : VesselProfile();
-  const ReportSetting made = setting(profile);
+  const ReportSetting made = setting(shown.id);
   if (report_ == workListName()) {
     return [tasks = ofVessel(store_.tasks().records(), shown.id), logs = ofVessel(store_.logs().records(), shown.id),
             shown, profile, made, query = tasks_] { return workListReport(tasks, logs, shown, profile, query, made); };
@@ -154,7 +169,7 @@ DocumentMaker ReportDesk::documentMaker() const {
 void ReportDesk::make() {
   pages_ = {};
   error_.clear();
-  if (!vessel()) {
+  if (!ordered() && !vessel()) {
     number_ = 0;
     fail(QStringLiteral("Add a vessel first: reports belong to one."));
     Q_EMIT pagesChanged();
@@ -188,6 +203,8 @@ QString ReportDesk::remark() const {
 // ---- what becomes of it ----
 
 QString ReportDesk::fileName(const QString& ending) const {
+  const QString given = ending != u"csv" ? pages_.fileName : ordered() ? order_.csvName : QString();
+  if (!given.isEmpty()) return given + u'.' + ending;
   return fileNameFor(title(), vesselName(), store_.now(), store_.calendar(), ending);
 }
 
@@ -220,9 +237,16 @@ void ReportDesk::savePdf(const QUrl& file) {
 }
 
 std::string ReportDesk::workListText(const TaskQuery& query, const Vessel& vessel) const {
-  const VesselProfile* profile = store_.profileOf(vessel.id);
-  return workListCsv(store_.tasks().records(), store_.logs().records(), vessel, query,
-                     setting(profile ? *profile : VesselProfile()), csvFormat(preferences_));
+  return workListCsv(store_.tasks().records(), store_.logs().records(), vessel, query, setting(vessel.id),
+                     csvFormat(preferences_));
+}
+
+std::string ReportDesk::csvText() const {
+  if (ordered()) return order_.csv ? order_.csv(setting(order_.vessel), csvFormat(preferences_)) : std::string();
+  const Vessel* shown = vessel();
+  if (!shown) return {};
+  if (report_ == workListName()) return workListText(tasks_, *shown);
+  return serviceHistoryCsv(history_.servicesOf(shown->id), setting(shown->id).calendar, csvFormat(preferences_));
 }
 
 void ReportDesk::exportWorkList(const TaskListModel* list, const QUrl& file) {
@@ -238,14 +262,8 @@ void ReportDesk::exportWorkList(const TaskListModel* list, const QUrl& file) {
 }
 
 void ReportDesk::saveCsv(const QUrl& file) {
-  const Vessel* shown = vessel();
-  if (!shown) return;
-  const VesselProfile* profile = store_.profileOf(shown->id);
-  const std::string text =
-      report_ == workListName()
-          ? workListText(tasks_, *shown)
-          : serviceHistoryCsv(history_.servicesOf(shown->id), setting(profile ? *profile : VesselProfile()).calendar,
-                              csvFormat(preferences_));
+  const std::string text = csvText();
+  if (text.empty()) return;
   const QString path = withEnding(file.toLocalFile(), QStringLiteral("csv"));
   if (const auto written = writeReportFile(path, QByteArray::fromStdString(text)); !written) {
     fail(written.error().message);

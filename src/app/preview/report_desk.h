@@ -11,11 +11,25 @@
 #include "app/history/service_history_model.h"
 #include "app/maintenance/task_list_model.h"
 #include "app/preview/report_renderer.h"
+#include "base/csv.h"
 #include "core/report_basics.h"
 #include "store/app_view_model.h"
 #include "store/attachments.h"
 
 namespace thalvorn::app {
+
+/// A paper that a register hands over to be looked at, printed and saved.
+struct ReportOrder {
+  QString id;                       ///< names it while it can be made again, "bunkering.report"
+  QString title;                    ///< as the page shows it
+  std::optional<Uuid> vessel = {};  ///< whose zone its times are in, and whose name the page shows
+  QString csvName = {};             ///< offered for its spreadsheet, without ending; the title and the day when empty
+  /// Works from copies, since it runs while the records change.
+  std::function<DocumentMaker(const ReportSetting&)> document;
+  std::function<std::string(const ReportSetting&, const CsvFormat&)> csv = {};  ///< none: it has no spreadsheet
+  /// The same of the vessel in view now; none: it stays as it is when another vessel is chosen.
+  std::function<ReportOrder()> again = {};
+};
 
 /// Opens reports to look at, print and save. QML sees it as `Reports`.
 class ReportDesk : public QObject {
@@ -35,6 +49,7 @@ class ReportDesk : public QObject {
   Q_PROPERTY(QString savedFile READ savedFile NOTIFY workChanged)
   Q_PROPERTY(QString paper READ paper WRITE setPaper NOTIFY reportChanged)
   Q_PROPERTY(bool hasPrinterCommand READ hasPrinterCommand CONSTANT)
+  Q_PROPERTY(bool hasCsv READ hasCsv NOTIFY reportChanged)
 
  public:
   ReportDesk(AppViewModel& store, const AttachmentStore& attachments, const ServiceHistoryModel& history,
@@ -51,11 +66,16 @@ class ReportDesk : public QObject {
   /// The service history of the vessel in view, as its page shows it; `detailed` with notes, parts and photos.
   Q_INVOKABLE void openServiceHistory(bool detailed);
 
+  /// Opens a register's paper.
+  void open(ReportOrder order);
+  /// When, where and for whom a paper is made of this vessel, or of several.
+  ReportSetting setting(const std::optional<Uuid>& vessel) const;
+
   /// Makes the report that the page's arguments name: {report}; a work list when they name none.
   Q_INVOKABLE void show(const QVariantMap& arguments);
   Q_INVOKABLE void cancel();
 
-  /// "workList", "serviceHistory" or "serviceHistoryDetailed"; empty before the first.
+  /// "workList", "serviceHistory", "serviceHistoryDetailed" or an order's id; empty before the first.
   QString report() const { return report_; }
   QString title() const;
   QString vesselName() const;
@@ -78,6 +98,8 @@ class ReportDesk : public QObject {
   /// Whether this computer can print without a viewer (the `lp` command).
   bool hasPrinterCommand() const;
 
+  bool hasCsv() const { return !ordered() || order_.csv; }
+
   /// The name offered for a file with this ending.
   Q_INVOKABLE QString fileName(const QString& ending) const;
   Q_INVOKABLE void savePdf(const QUrl& file);
@@ -97,8 +119,9 @@ class ReportDesk : public QObject {
  private:
   void make();
   DocumentMaker documentMaker() const;
-  ReportSetting setting(const VesselProfile& profile) const;
+  bool ordered() const { return !order_.id.isEmpty() && report_ == order_.id; }
   std::string workListText(const TaskQuery& query, const Vessel& vessel) const;
+  std::string csvText() const;
   const Vessel* vessel() const;
   void withPdf(const QString& work, std::function<void(const QByteArray&)> use);
   /// Writes the PDF where a viewer or the printer can take it; empty when it could not be written.
@@ -117,6 +140,7 @@ class ReportDesk : public QObject {
   QString report_;
   std::optional<Uuid> vessel_;
   TaskQuery tasks_;  ///< of the work list
+  ReportOrder order_;
   int number_ = 0;
   ReportPages pages_;
   QString work_;

@@ -36,13 +36,16 @@ int ReportRenderer::begin(DocumentMaker make) {
     work->report.reset();
     work->number = number;
     if (current_ != number) return;
-    auto laidOut = PagedReport::layOut(make(), options(number));
+    Document document = make();
+    const QString fileName = QString::fromStdString(document.fileName);
+    auto laidOut = PagedReport::layOut(std::move(document), options(number));
     if (!laidOut) {
       if (laidOut.error().kind != ReportError::Kind::cancelled) Q_EMIT failed(number, laidOut.error().message);
       return;
     }
     work->report.emplace(std::move(*laidOut));
-    Q_EMIT ready(number, {work->report->pageCount(), work->report->pageSize(), work->report->missingCharacters()});
+    Q_EMIT ready(number,
+                 {work->report->pageCount(), work->report->pageSize(), work->report->missingCharacters(), fileName});
   });
   return number;
 }

@@ -21,6 +21,7 @@ struct ReportPages {
   int count = 0;
   QSizeF size;  ///< of a page, points
   QString missingCharacters;
+  QString fileName;  ///< that the document asks for, without ending; empty when it does not
 };
 
 /// Lays a report out and draws its pages on a thread of its own. A new report cancels the one that is being made.

@@ -8,6 +8,7 @@ Item {
     property var bars: []
     property string unit
     property int lastIsNow: 1
+    property int spacing: Theme.space3
     readonly property real tallest: {
         let most = 1;
         for (const bar of bars)
@@ -28,7 +29,7 @@ Item {
     Row {
         id: row
         anchors.fill: parent
-        spacing: Theme.space3
+        spacing: root.spacing
         Repeater {
             model: root.bars
             delegate: Item {

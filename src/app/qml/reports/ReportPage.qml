@@ -23,7 +23,7 @@ Page {
             implicitHeight: Theme.controlHeight
             enabled: Reports.pageCount > 0 && !Reports.busy
             mark: false
-            options: [{ value: "pdf", text: "PDF file…", icon: "file-text" }, { value: "csv", text: "CSV file…", icon: "file-csv" }]
+            options: Reports.hasCsv ? [{ value: "pdf", text: "PDF file…", icon: "file-text" }, { value: "csv", text: "CSV file…", icon: "file-csv" }] : [{ value: "pdf", text: "PDF file…", icon: "file-text" }]
             onPicked: (value) => value === "csv" ? saveCsv.open() : savePdf.open()
         },
         DropdownButton {
@@ -50,7 +50,7 @@ Page {
         if (name === "printPage")
             Reports.printInViewer();
         else if (name === "exportPage")
-            saveCsv.open();
+            Reports.hasCsv ? saveCsv.open() : savePdf.open();
     }
     help: Component {
         AppText {
