@@ -124,7 +124,8 @@ QCoro::Task<CommandResult> importRegister(CommandContext context, Arguments argu
   const auto text = csvText(context, arguments.operands.back());
   if (!text) co_return refused(text.error());
   const Uuid vesselID = (*vessel)->id;
-  RecordCsvImport<T> import = recordsFromCsv<T>(*text, vesselID, calendarAboard(context, vesselID));
+  RecordCsvImport<T> import = recordsFromCsv<T>(*text, vesselID, context.calendar, std::nullopt,
+                                                [&](const Uuid& id) { return calendarAboard(context, id); });
   if (import.records.empty() && import.skipped == 0 && !import.problems.empty())
     co_return refused(import.problems.front().message);
   const std::size_t inFile = import.records.size();

@@ -7,6 +7,7 @@
 
 #include "backend/next_emission.h"
 #include "cli/values.h"
+#include "core/report_basics.h"
 
 namespace thalvorn::cli {
 namespace {
@@ -78,8 +79,7 @@ std::expected<const MaintenanceTask*, CommandResult> findTask(const AppViewModel
 
 Calendar calendarAboard(const CommandContext& context, const Uuid& vesselID) {
   const VesselProfile* profile = context.store->profileOf(vesselID);
-  if (profile == nullptr || profile->timeZone.empty()) return context.calendar;
-  return Calendar::inZone(profile->timeZone).value_or(context.calendar);
+  return profile != nullptr ? aboard(*profile, context.calendar) : context.calendar;
 }
 
 std::string vesselName(const AppViewModel& store, const Uuid& id) {

@@ -35,12 +35,17 @@ struct CsvTotal {
   int decimals = 0;
 };
 
+/// The calendar aboard a vessel.
+using CalendarAboard = std::function<Calendar(const Uuid& vesselID)>;
+
 struct RecordCsvOptions {
   CsvFormat format{};
   std::vector<CsvTotal> totals{};  ///< below the rows under "SUMMARY"; reading the file again ends there
   /// Heads every row with the name of its vessel, for people; not read again. A record that holds the name itself has
   /// its own column.
   std::function<std::string(const Uuid&)> vesselName{};
+  /// By whose wall clock the dates of a record stand, in place of the one calendar; reading needs the same.
+  CalendarAboard calendarAboard{};
 };
 
 /// The records in the order given. Dates stand by the wall clock of the calendar; `recordsFromCsv` reads the file again
@@ -61,7 +66,8 @@ struct RecordCsvImport {
 /// vessel belongs to `vesselID`.
 template <DescribedRecord T>
 RecordCsvImport<T> recordsFromCsv(std::string_view text, const Uuid& vesselID, const Calendar& calendar,
-                                  std::optional<CsvSeparator> separator = std::nullopt);
+                                  std::optional<CsvSeparator> separator = std::nullopt,
+                                  const CalendarAboard& calendarAboard = {});
 
 /// Those of `read` that are not among `known` and stand in the file once, by identity. Records of a vessel that is not
 /// in the fleet become those of `vesselID`.
@@ -96,6 +102,8 @@ concept Identity = std::is_same_v<V, Uuid> || std::is_same_v<V, std::optional<Uu
 class RowWriter {
  public:
   RowWriter(const CsvFormat& format, const Calendar& calendar) : csv(format), calendar_(calendar) {}
+
+  void setCalendar(const Calendar& calendar) { calendar_ = calendar; }
 
   template <class V>
   void value(const V& value) {
@@ -137,7 +145,7 @@ class RowWriter {
   CsvWriter csv;
 
  private:
-  const Calendar& calendar_;
+  Calendar calendar_;
   std::string json_;  ///< of the record that is being written, when one of its lists was
   std::vector<RawMember> members_;
 };
@@ -147,6 +155,9 @@ class CellReader {
  public:
   CellReader(CsvSeparator separator, const Calendar& calendar, std::vector<CsvProblem>& problems)
       : numbers_(numbersOf(separator)), calendar_(calendar), problems_(problems) {}
+
+  const Calendar& calendar() const { return calendar_; }
+  void setCalendar(const Calendar& calendar) { calendar_ = calendar; }
 
   void startCell(const CsvRow& row, std::size_t place, std::string_view title, const FieldFacts* facts) {
     line_ = row.line;
@@ -218,7 +229,7 @@ class CellReader {
   std::optional<bool> truth();
 
   NumberLocale numbers_;
-  const Calendar& calendar_;
+  Calendar calendar_;
   std::vector<CsvProblem>& problems_;
   std::size_t line_ = 0;
   std::string_view raw_;   ///< the cell as it stands
@@ -344,6 +355,9 @@ std::string recordsCsv(std::span<const T> records, const Calendar& calendar, con
     if constexpr (requires { options.vesselName(record.vesselID); }) {
       if (named) row.csv.text(options.vesselName(record.vesselID));
     }
+    if constexpr (requires { options.calendarAboard(record.vesselID); }) {
+      if (options.calendarAboard) row.setCalendar(options.calendarAboard(record.vesselID));
+    }
     for (const auto& field : fields) field.write(row, record, field);
     row.endRow();
   }
@@ -353,7 +367,7 @@ std::string recordsCsv(std::span<const T> records, const Calendar& calendar, con
 
 template <DescribedRecord T>
 RecordCsvImport<T> recordsFromCsv(std::string_view text, const Uuid& vesselID, const Calendar& calendar,
-                                  std::optional<CsvSeparator> separator) {
+                                  std::optional<CsvSeparator> separator, const CalendarAboard& calendarAboard) {
   namespace detail = record_csv_detail;
   using Field = detail::CsvField<T>;
   const CsvSource source = openCsv(text, separator);
@@ -366,6 +380,7 @@ RecordCsvImport<T> recordsFromCsv(std::string_view text, const Uuid& vesselID, c
   std::vector<Column> columns;
   const Field* dated = nullptr;
   std::optional<std::size_t> datePlace;
+  std::optional<std::size_t> vesselPlace;
 
   const auto readHeader = [&](const CsvRow& row) {
     const CsvHeader header(row.cells);
@@ -377,6 +392,7 @@ RecordCsvImport<T> recordsFromCsv(std::string_view text, const Uuid& vesselID, c
         dated = &field;
         datePlace = place;
       }
+      if (field.name == "vesselID") vesselPlace = place;
       if (!place) continue;
       columns.push_back({&field, *place});
       taken[*place] = true;
@@ -391,8 +407,9 @@ RecordCsvImport<T> recordsFromCsv(std::string_view text, const Uuid& vesselID, c
   };
   const auto readRow = [&](const CsvRow& row) {
     if (detail::isBlank(row)) return;
+    if (calendarAboard) cells.setCalendar(calendarAboard(Uuid::parse(row.cell(vesselPlace)).value_or(vesselID)));
     const std::string_view written = row.cell(datePlace);
-    if (datePlace && !parseSpreadsheetDateTime(written, calendar)) {
+    if (datePlace && !parseSpreadsheetDateTime(written, cells.calendar())) {
       import.problems.push_back(
           {row.line, written.empty() ? fmt::format("Skipped: {} is missing.", dated->title)
                                      : fmt::format("Skipped: “{}” is not a date such as 2026-05-31 08:00.", written)});

@@ -18,6 +18,11 @@ std::string_view costCurrency(const VesselProfile& profile) {
   return profile.currency.empty() ? std::string_view("USD") : profile.currency;
 }
 
+Calendar aboard(const VesselProfile& profile, const Calendar& otherwise) {
+  if (profile.timeZone.empty()) return otherwise;
+  return Calendar::inZone(profile.timeZone).value_or(otherwise);
+}
+
 Document reportOf(std::string title, const Vessel& vessel, const VesselProfile& profile, const ReportSetting& setting) {
   return {.title = std::move(title),
           .vesselName = vessel.name,

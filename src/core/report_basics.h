@@ -45,6 +45,9 @@ VesselParticulars particularsOf(const VesselProfile& profile, const NumberLocale
 /// ISO 4217 code of the vessel's costs.
 std::string_view costCurrency(const VesselProfile& profile);
 
+/// The calendar of the vessel's time zone; `otherwise` where she has none, or one that nobody knows.
+Calendar aboard(const VesselProfile& profile, const Calendar& otherwise);
+
 /// A report with its head, still without contents.
 Document reportOf(std::string title, const Vessel& vessel, const VesselProfile& profile, const ReportSetting& setting);
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <set>
 
 #include "base/date_format.h"
@@ -184,9 +185,15 @@ Document tripReports(Entries entries, Vessels vessels, const ReportSetting& sett
 }
 
 std::string shipsLogCsv(Entries entries, Vessels vessels, const Calendar& calendar, const CsvFormat& format) {
-  return recordsCsv(entries, calendar, {.format = format, .vesselName = [vessels](const Uuid& id) {
-                                          return std::string(vesselNameOf(id, vessels));
-                                        }});
+  return recordsCsv(entries, calendar,
+                    {.format = format,
+                     .vesselName = [vessels](const Uuid& id) { return std::string(vesselNameOf(id, vessels)); },
+                     .calendarAboard =
+                         [vessels, &calendar](const Uuid& id) {
+                           const auto found =
+                               std::ranges::find(vessels, id, [](const auto& one) { return one.vessel.id; });
+                           return found != vessels.end() ? aboard(found->profile, calendar) : calendar;
+                         }});
 }
 
 }  // namespace thalvorn

@@ -23,7 +23,8 @@ Document shipsLogSearchExport(std::span<const ShipsLogEntry> entries, std::span<
 Document tripReports(std::span<const ShipsLogEntry> entries, std::span<const ReportVessel> vessels,
                      const ReportSetting& setting);
 
-/// All fields of the entries, which `recordsFromCsv<ShipsLogEntry>` reads again.
+/// All fields of the entries, which `recordsFromCsv<ShipsLogEntry>` reads again. Dates stand by the clock aboard each
+/// entry's vessel, by `calendar` where she has no time zone of her own.
 std::string shipsLogCsv(std::span<const ShipsLogEntry> entries, std::span<const ReportVessel> vessels,
                         const Calendar& calendar, const CsvFormat& format = {});
 

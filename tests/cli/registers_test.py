@@ -93,6 +93,17 @@ class RegisterReportTest(CliTest):
             self.assertCountEqual(self.done("list", collection), records)
         self.assertIn("'=HYPERLINK(1)", (self.folder / "r.csv").read_text("utf-8-sig") + self.csv("ship-log"))
 
+        # Rows of several vessels stand each by the clock aboard.
+        aurora = self.vessel("S/Y Aurora")
+        self.put("vesselProfiles", {"vesselID": aurora["id"], "timeZone": "America/New_York"})
+        self.entry("2026-06-01T02:00:00Z", "Newport", "Nantucket", aurora)
+        entries = self.done("list", "shipsLog")
+        self.assertIn("S/Y Aurora,2026-05-31 22:00", self.csv("ship-log-search"))
+        for entry in entries:
+            self.done("delete", "shipsLog", entry["id"])
+        self.assertEqual(self.done("import", "shipsLog", "again.csv", "--vessel", "mer")["new"], 3)
+        self.assertCountEqual(self.done("list", "shipsLog"), entries)
+
         sheet = b"Date;Port;Quantity (Gal);Colour\n2026-06-01;Nice;1.250,5;red\nsoon;Nice;1;\n"
         status, out, err = self.run_cli("import", "bunkeringrecords", "-", "--vessel", "mer", input=sheet)
         self.assertEqual((status, [json.loads(out)[key] for key in ("new", "known", "skipped")]), (0, [1, 0, 1]), err)
