@@ -21,10 +21,16 @@ const BunkeringRecord* entered(QObject* sheet) {
 BunkeringController::BunkeringController(const RegisterTools& tools, QObject* parent)
     : RegisterControllerOf(tools, RegisterScope::selectedVessel, parent) {}
 
-QVariantList BunkeringController::currencies() const {
+QVariantList BunkeringController::currencies(QObject* sheet) const {
   QVariantList options;
-  for (const std::string_view code : currencyCodes())
+  const auto offer = [&](std::string_view code) {
     options.append(QVariantMap{{QStringLiteral("value"), toQt(code)}, {QStringLiteral("text"), toQt(code)}});
+  };
+  for (const std::string_view code : currencyCodes()) offer(code);
+  const BunkeringRecord* record = entered(sheet);
+  if (record && !record->currency.empty() &&
+      std::ranges::find(currencyCodes(), record->currency) == currencyCodes().end())
+    offer(record->currency);
   return options;
 }
 

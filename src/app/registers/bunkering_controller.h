@@ -11,13 +11,12 @@ extern template class RegisterControllerOf<BunkeringRecord>;
 /// The fuel bunkering log of the vessel in view.
 class BunkeringController : public RegisterControllerOf<BunkeringRecord> {
   Q_OBJECT
-  Q_PROPERTY(QVariantList currencies READ currencies CONSTANT)
 
  public:
   explicit BunkeringController(const RegisterTools& tools, QObject* parent = nullptr);
 
-  /// [{value, text}] of the ISO 4217 codes that the form offers.
-  QVariantList currencies() const;
+  /// [{value, text}] of the ISO 4217 codes that the form offers, with the record's own when it is another.
+  Q_INVOKABLE QVariantList currencies(QObject* sheet) const;
   /// Quantity × price per gallon of what the form holds, in its currency; empty while either is missing.
   Q_INVOKABLE QString calculatedTotal(QObject* sheet) const;
   /// The quantity in litres, where the user reads metric units.

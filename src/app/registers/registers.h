@@ -23,7 +23,7 @@ class Registers : public QObject {
   /// The register with this key; null when there is none.
   Q_INVOKABLE QObject* of(const QString& key) const;
 
-  /// Of the vessel in view: [{name, detail}], as PersonField takes them.
+  /// Of the vessel in view: [{name, detail}], as PersonField takes them; people also as they were written before.
   QVariantList crew() const;
   QVariantList guests() const;
   QVariantList equipment() const;
@@ -34,6 +34,8 @@ class Registers : public QObject {
   void peopleChanged();
 
  private:
+  std::vector<const ShipsLogEntry*> latestEntries() const;
+
   RegisterTools tools_;
   std::vector<std::unique_ptr<RegisterController>> registers_;
 };

@@ -35,6 +35,8 @@ Chip {
         y: root.height + Theme.space1
         padding: Theme.space3
         margins: Theme.space2
+        implicitWidth: Math.max(200, contentItem.implicitWidth + leftPadding + rightPadding)
+        implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
         focus: true
         onOpened: column.nextItemInFocusChain(true)?.forceActiveFocus(Qt.TabFocusReason)
         contentItem: ColumnLayout {

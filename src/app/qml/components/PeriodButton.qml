@@ -29,6 +29,7 @@ Chip {
         width: 380
         padding: Theme.space4
         margins: Theme.space2
+        implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
         focus: true
         onOpened: firstField.forceFocus()
         contentItem: ColumnLayout {

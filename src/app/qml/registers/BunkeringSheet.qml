@@ -34,7 +34,7 @@ RegisterSheet {
         Field { form: root.form; name: "pricePerGallon" }
         ComboField {
             label: "Currency"
-            options: root.register.currencies
+            options: root.register.currencies(root.sheet)
             value: root.form && root.form.revision >= 0 ? root.form.text("currency") : ""
             onPicked: (value) => root.form.setText("currency", value)
         }

@@ -99,7 +99,7 @@ ColumnLayout {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 100
             }
-            SecondaryButton { text: "Add"; iconName: "plus"; tip: "Ctrl+Enter"; enabled: entry.text.trim().length > 0; onClicked: root.add() }
         }
+        SecondaryButton { text: "Add to the journal"; iconName: "plus"; tip: "Ctrl+Enter"; enabled: entry.text.trim().length > 0; Layout.alignment: Qt.AlignRight; onClicked: root.add() }
     }
 }
