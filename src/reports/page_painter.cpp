@@ -53,6 +53,7 @@ void paintPhoto(QPainter& painter, const PhotoItem& item, Typesetter& typesetter
       typesetter.draw(painter, QPointF(item.x + 6, y) * scale, line.text, line.plain, TextStyle::caption);
       y += facts.lineHeight;
     }
+    typesetter.flush(painter);
     return;
   }
   const QSizeF size = QSizeF(image.size()).scaled(place.size(), Qt::KeepAspectRatio);
@@ -95,7 +96,10 @@ void paintPage(QPainter& painter, const Page& page, Typesetter& typesetter, doub
   }
   std::optional<TextStyle> current;
   for (const auto& text : page.texts) {
-    if (text.style != current) painter.setPen(QPen(QColor(paper::facts(text.style).colour), 0.7 * scale));
+    if (text.style != current) {
+      typesetter.flush(painter);
+      painter.setPen(QPen(QColor(paper::facts(text.style).colour), 0.7 * scale));
+    }
     current = text.style;
     typesetter.draw(painter, QPointF(text.x * scale, text.baseline * scale), text.text, text.plain, text.style);
     if (text.struck) {
@@ -103,6 +107,7 @@ void paintPage(QPainter& painter, const Page& page, Typesetter& typesetter, doub
       painter.drawLine(QPointF(text.x * scale, y), QPointF((text.x + text.width) * scale, y));
     }
   }
+  typesetter.flush(painter);
 }
 
 }  // namespace thalvorn

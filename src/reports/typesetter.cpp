@@ -4,6 +4,7 @@
 #include <QPaintEngine>
 #include <QPainter>
 #include <QRawFont>
+#include <QScopeGuard>
 #include <QTextBoundaryFinder>
 #include <QTextLayout>
 #include <algorithm>
@@ -81,6 +82,7 @@ Typesetter::Typesetter(const QString& language) {
     const QRawFont raw = QRawFont::fromFont(bundled);
     auto& advances = advances_[heavy];
     advances.assign(tableSize, -1);
+    glyphs_[heavy].assign(tableSize, 0);
     QString characters;
     for (std::size_t code = 0x20; code < tableSize; ++code) characters += QChar(static_cast<char16_t>(code));
     const auto glyphs = raw.glyphIndexesForString(characters);
@@ -89,6 +91,7 @@ Typesetter::Typesetter(const QString& language) {
       const auto i = static_cast<qsizetype>(code - 0x20);
       if (glyphs.size() == characters.size() && glyphs[i] != 0 && !actsOnNeighbours(static_cast<char32_t>(code))) {
         advances[code] = static_cast<float>(widths[i].x() / referenceSize);
+        glyphs_[heavy][code] = glyphs[i];
       }
     }
   }
@@ -97,11 +100,6 @@ Typesetter::Typesetter(const QString& language) {
   emojiFont_ = QRawFont::fromFont(emoji);
   blankFont_ = QFont(paper::blankFamily());
   blankFont_.setStyleStrategy(QFont::PreferNoShaping);
-  for (int i = 0; i < paper::textStyleCount; ++i) {
-    const auto style = static_cast<TextStyle>(i);
-    plainFonts_[static_cast<std::size_t>(i)] = fontAt(style, paper::facts(style).size);
-    plainFonts_[static_cast<std::size_t>(i)].setStyleStrategy(QFont::PreferNoShaping);
-  }
 }
 
 QFont Typesetter::fontAt(TextStyle style, double pointSize) const {
@@ -224,9 +222,40 @@ void Typesetter::noteMissing(const QTextLayout& layout) const {
 }
 
 void Typesetter::draw(QPainter& painter, QPointF at, std::string_view text, bool plain, TextStyle style) {
+  if (style != pendingStyle_ || !plain) flush(painter);
   if (!plain) return drawShaped(painter, at, toQString(text), style);
-  painter.setFont(plainFonts_[static_cast<std::size_t>(style)]);
-  painter.drawText(at, toQString(text));
+  pendingStyle_ = style;
+  const auto& facts = paper::facts(style);
+  const auto& glyphs = glyphs_[facts.heavy];
+  const auto& advances = advances_[facts.heavy];
+  const double size = facts.size * painter.device()->logicalDpiY() / 72;
+  while (!text.empty()) {
+    const auto code = decodeUtf8(text);
+    pendingGlyphs_.push_back(glyphs[code.value]);
+    pendingPlaces_.push_back(at);
+    at.rx() += static_cast<double>(advances[code.value]) * size;
+    text.remove_prefix(code.length);
+  }
+}
+
+void Typesetter::flush(QPainter& painter) {
+  if (pendingGlyphs_.empty()) return;
+  if (const int dpi = painter.device()->logicalDpiY(); dpi != plainFontsDpi_) {
+    plainFonts_ = {};
+    plainFontsDpi_ = dpi;
+  }
+  auto& font = plainFonts_[static_cast<std::size_t>(pendingStyle_)];
+  if (!font.isValid()) {
+    QFont bundled = fontAt(pendingStyle_, paper::facts(pendingStyle_).size);
+    bundled.setFamilies({bundled.families().constFirst()});
+    font = QRawFont::fromFont(QFont(bundled, painter.device()));
+  }
+  QGlyphRun run;
+  run.setRawFont(font);
+  run.setRawData(pendingGlyphs_.data(), pendingPlaces_.data(), static_cast<int>(pendingGlyphs_.size()));
+  painter.drawGlyphRun({}, run);
+  pendingGlyphs_.clear();
+  pendingPlaces_.clear();
 }
 
 std::vector<Typesetter::Part> Typesetter::emojiIn(const QString& text) const {
@@ -288,9 +317,25 @@ void Typesetter::setFonts(QTextLayout& layout, const std::vector<Stretch>& stret
 }
 
 void Typesetter::drawShaped(QPainter& painter, QPointF at, const QString& text, TextStyle style) {
+  const bool onPaper = painter.paintEngine()->type() == QPaintEngine::Pdf;
+  // The few dots of a screen would round each advance: there the text is set large and drawn smaller.
+  QFont font = fontAt(style, paper::facts(style).size);
+  if (onPaper) {
+    font = QFont(font, painter.device());
+  } else {
+    const double scale = paper::facts(style).size * painter.device()->logicalDpiY() / 72 / referenceSize;
+    font.setPixelSize(static_cast<int>(referenceSize));
+    painter.save();
+    painter.translate(at);
+    painter.scale(scale, scale);
+    at = {};
+  }
+  const auto restored = qScopeGuard([&] {
+    if (!onPaper) painter.restore();
+  });
+
   const auto emojis = emojiIn(text);
-  const double size = paper::facts(style).size;
-  QTextLayout layout(withBlanks(text, emojis), fontAt(style, size), painter.device());
+  QTextLayout layout(withBlanks(text, emojis), font);
   layout.setTextOption(leftAligned());
   const auto stretches = stretchesIn(layout.text());
   setFonts(layout, stretches);
@@ -299,7 +344,6 @@ void Typesetter::drawShaped(QPainter& painter, QPointF at, const QString& text, 
   if (line.isValid()) line.setLineWidth(unlimited);
   layout.endLayout();
   if (!line.isValid()) return;
-  const bool onPaper = painter.paintEngine()->type() == QPaintEngine::Pdf;
   const QPointF origin(at.x(), at.y() - line.ascent());
   for (const auto& stretch : stretches) {
     auto runs = layout.glyphRuns(stretch.at, stretch.length);

@@ -41,8 +41,10 @@ class Typesetter {
   /// longer word between characters, never cut. An empty text gives no line.
   void wrap(std::string_view text, paper::TextStyle style, double width, std::vector<TextLine>& lines) const;
 
-  /// Draws a line with its baseline starting at `at`, in device units.
+  /// Draws a line with its baseline starting at `at`, in device units and the painter's pen. Plain lines of one style
+  /// are gathered and appear with the next of another style, or with `flush`: before the pen changes.
   void draw(QPainter& painter, QPointF at, std::string_view text, bool plain, paper::TextStyle style);
+  void flush(QPainter& painter);
 
   /// What the blank glyphs drawn so far stand for, in order of their first occurrence, in which the file numbers them:
   /// the texts of emoji, and the marks around words.
@@ -94,7 +96,12 @@ class Typesetter {
 
   std::array<std::vector<float>, 2> advances_;  // by weight, in em; negative: not plain
   std::array<QFont, 2> fonts_;                  // by weight
-  std::array<QFont, paper::textStyleCount> plainFonts_;
+  std::array<std::vector<quint32>, 2> glyphs_;
+  std::array<QRawFont, paper::textStyleCount> plainFonts_;
+  int plainFontsDpi_ = 0;
+  paper::TextStyle pendingStyle_ = paper::TextStyle::body;
+  std::vector<quint32> pendingGlyphs_;
+  std::vector<QPointF> pendingPlaces_;
   QRawFont emojiFont_;
   QHash<QString, QImage> emojiPictures_;
   QFont blankFont_;
