@@ -87,6 +87,11 @@ AppViewModel::AppViewModel(LocalCache& cache, const Clock& clock, QObject* paren
 AppViewModel::~AppViewModel() {
   // The writer thread answers to this object; after the flush nothing more can come.
   cache_.flush();
+  // Whoever awaits an edit is told, though not whether it got to the disk: nobody here can hear of that any more.
+  for (const Pending& edit : pending_) {
+    edit.promise->addResult(std::unexpected(StoreError{"The program was closed meanwhile."}));
+    edit.promise->finish();
+  }
 }
 
 std::string AppViewModel::displayName() const { return cache_.preference("user_display_name").value_or(std::string()); }

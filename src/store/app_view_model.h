@@ -45,6 +45,7 @@ struct Unsent {
   std::optional<T> current;  ///< empty when it was deleted here
   Revision revision = 0;     ///< of its newest edit
   Timestamp at;              ///< when that was made
+  bool revived = false;      ///< a deletion that had been sent was taken back
 };
 
 /// What the backend holds of one record, for the store to take.

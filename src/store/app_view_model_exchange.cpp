@@ -118,6 +118,7 @@ std::vector<Unsent<T>> AppViewModel::unsent() const {
       if (!mark) continue;
       record.revision = std::max(record.revision, mark->revision);
       record.at = std::max(record.at, mark->at);
+      record.revived = record.revived || mark->revived;
     }
     waiting.push_back(std::move(record));
   };

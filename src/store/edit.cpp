@@ -70,12 +70,14 @@ std::vector<EntryChange> entryChanges(const Edit& edit) {
         },
         change.either());
   }
+  for (EntryChange& entry : entries) entry.revived = edit.takesBack && entry.before.empty();
   return entries;
 }
 
 Edit inverseOf(const Edit& edit, const std::function<std::optional<AnyRecord>(const AnyRecord&)>& current) {
   Edit inverse;
   inverse.label = edit.label;
+  inverse.takesBack = true;
   for (auto change = edit.changes.rbegin(); change != edit.changes.rend(); ++change) {
     std::visit(
         [&]<class T>(const T&) {

@@ -31,7 +31,8 @@ struct EntryChange {
   Uuid id;
   std::string before;
   std::string after;
-  bool sent = false;  ///< needs no upload: downloaded itself, or uploaded since
+  bool sent = false;     ///< needs no upload: downloaded itself, or uploaded since
+  bool revived = false;  ///< a deletion taken back: the record returns even where the deletion has arrived already
 };
 
 /// The position of an edit in the journal; later edits have higher revisions.

@@ -33,6 +33,8 @@ bool decodeChange(ondemand::object object, EntryChange& change) {
       identified = true;
     } else if (key == "sent") {
       if (value.get_bool().get(change.sent)) return false;
+    } else if (key == "revived") {
+      if (value.get_bool().get(change.revived)) return false;
     } else if (key == "before" || key == "after") {
       std::string& record = key == "before" ? change.before : change.after;
       ondemand::object content;
@@ -53,6 +55,7 @@ std::string encodeChanges(const std::vector<EntryChange>& changes) {
     appendJsonString(out, change.suffix);
     out += ",\"id\":\"" + change.id.toString() + '"';
     if (change.sent) out += ",\"sent\":true";
+    if (change.revived) out += ",\"revived\":true";
     if (!change.before.empty()) out.append(",\"before\":").append(change.before);
     if (!change.after.empty()) out.append(",\"after\":").append(change.after);
     out += '}';

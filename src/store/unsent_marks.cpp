@@ -15,6 +15,7 @@ void UnsentMarks::note(const JournalEntry& edit, Revision revision) {
     }
     const auto [mark, added] = entries_[change.suffix].try_emplace(change.id);
     if (added) mark->second.before = change.before;
+    mark->second.revived = mark->second.revived || change.revived;
     mark->second.revision = revision;
     mark->second.at = edit.at;
   }
@@ -28,6 +29,7 @@ void UnsentMarks::sent(std::string_view suffix, const Uuid& id, Revision upTo, s
   if (mark->second.revision <= upTo) {
     entry->second.erase(mark);
   } else {
+    mark->second.revived = mark->second.revived && json.empty();
     mark->second.before = std::move(json);
   }
 }

@@ -15,6 +15,7 @@ struct UnsentMark {
   Revision revision = 0;  ///< of the newest of them
   Timestamp at;           ///< when that was made
   std::string before;     ///< the record's JSON as both sides last knew it; empty when it was made here
+  bool revived = false;   ///< a deletion was taken back after it had been sent
 };
 
 /// Which records wait for upload, by entry and identity; derived from the journal, so that it outlives the program.

@@ -125,7 +125,7 @@ std::vector<ConflictLine> conflictLines(const AppViewModel& model, const Conflic
 }
 
 std::expected<Edit, std::string> takeBack(const AppViewModel& model, const ConflictNote& note) {
-  Edit edit{.label = "“" + note.recordName + "” taken back"};
+  Edit edit{.label = "“" + note.recordName + "” taken back", .changes = {}, .takesBack = true};
   visitOther(note, [&]<class T>(const T& other) {
     const T* current = model.collection<T>().find(note.recordID);
     if (current) {

@@ -111,16 +111,25 @@ SBTask<void> complete(SyncRunPtr run, Received<T>* received) {
   co_return {};
 }
 
-/// The rows of these identities as they stand on the server.
+/// The rows of these identities as they stand on the server, whose replies may be shorter than the list.
 template <class T>
 SBTask<Received<T>> readRows(SyncRunPtr run, std::vector<Uuid> ids) {
-  const auto reply = co_await run->client.read(TableQuery(table<T>()).eq("account_id", run->accountID).in("id", ids));
-  if (!reply) co_return std::unexpected(reply.error());
-  auto received = receive<T>(*run, reply->rows);
-  if (!received) co_return std::unexpected(SBError::server(200, QStringLiteral("Invalid JSON response")));
-  const auto completed = co_await complete<T>(run, &*received);
+  Received<T> all;
+  while (!ids.empty()) {
+    const auto reply = co_await run->client.read(TableQuery(table<T>()).eq("account_id", run->accountID).in("id", ids),
+                                                 ids.size() > 1);
+    if (!reply) co_return std::unexpected(reply.error());
+    if (run->token.isOver()) break;
+    auto received = receive<T>(*run, reply->rows);
+    if (!received) co_return std::unexpected(SBError::server(200, QStringLiteral("Invalid JSON response")));
+    std::erase_if(ids, [&](const Uuid& id) { return received->contains(id); });
+    const bool isCut = !received->empty() && reply->total.value_or(0) > static_cast<std::int64_t>(received->size());
+    all.merge(*received);
+    if (!isCut) break;
+  }
+  const auto completed = co_await complete<T>(run, &all);
   if (!completed) co_return std::unexpected(completed.error());
-  co_return *std::move(received);
+  co_return std::move(all);
 }
 
 template <class T>
@@ -173,8 +182,7 @@ using Tombstones = std::unordered_map<Uuid, MergeSide>;
 SBTask<Tombstones> readTombstones(SyncRunPtr run, std::string table, std::vector<Uuid> ids);
 SBTask<void> takeBackTombstones(SyncRunPtr run, std::string table, std::vector<Uuid> ids);
 
-/// Records that the server took but does not show: deleted there meanwhile, or deleted by this user before and put
-/// back.
+/// Records that the server took but does not show: deleted there meanwhile, or deleted before and put back here.
 template <class T>
 SBTask<void> settleAbsent(SyncRunPtr run, RunToken token, std::vector<Uuid> absent) {
   const auto tombstones = co_await readTombstones(run, std::string(table<T>()), absent);
@@ -189,7 +197,7 @@ SBTask<void> settleAbsent(SyncRunPtr run, RunToken token, std::vector<Uuid> abse
     if (tombstone == tombstones->end()) {
       run->problems.push_back({std::string(table<T>()), recordName(*ours.current),
                                "The server did not keep this record. It stays here and is sent again."});
-    } else if (!ours.base && tombstone->second.by == run->userID) {
+    } else if (ours.revived && (!ours.base || tombstone->second.by == run->userID)) {
       revived.push_back(ours.id);
     } else {
       addNote<T>(notes, deletionNote(*ours.current, mySide(*run, ours), tombstone->second, run->client.serverNow()));
@@ -197,6 +205,7 @@ SBTask<void> settleAbsent(SyncRunPtr run, RunToken token, std::vector<Uuid> abse
     }
   }
   if (!gone.empty()) co_await run->model.takeFromBackend<T>(std::move(gone), std::move(notes));
+  if (token.isOver()) co_return {};
   if (!revived.empty()) co_return co_await takeBackTombstones(run, std::string(table<T>()), std::move(revived));
   co_return {};
 }

@@ -72,6 +72,12 @@ SBTask<std::optional<SBUserSettingsRow>> readSettings(SyncRunPtr run) {
   co_return rows->records.front();
 }
 
+SBTask<void> sendSettings(SyncRunPtr run, SBUserSettingsRow row) {
+  const std::string body =
+      rowsToJson(std::vector{std::move(row)}, run->schema.ownColumns ? RowColumns::all : RowColumns::standard);
+  co_return co_await run->client.upsert(TableQuery(kTable), QByteArray::fromStdString(body));
+}
+
 }  // namespace
 
 int settingsWaiting(const AppViewModel& model) {
@@ -95,9 +101,12 @@ SBTask<void> uploadSettings(SyncRunPtr run, RunToken token) {
     row.extraJson = stored->extraJson;
     row.seenVersion = stored->serverVersion;
   }
-  const std::string body =
-      rowsToJson(std::vector{row}, run->schema.ownColumns ? RowColumns::all : RowColumns::standard);
-  const auto sent = co_await run->client.upsert(TableQuery(kTable), QByteArray::fromStdString(body));
+  auto sent = co_await sendSettings(run, row);
+  if (!sent && sent.error().remedy == SBError::Remedy::updateSchema && run->schema.ownColumns) {
+    if (token.isOver()) co_return {};
+    run->schema.ownColumns = false;
+    sent = co_await sendSettings(run, row);
+  }
   if (!sent) co_return std::unexpected(sent.error());
   if (!token.isOver()) agree(run->model, row);
   co_return {};

@@ -112,6 +112,72 @@ TableQuery ownRows(const Uuid& owner) {
   return query;
 }
 
+/// Deletes one batch of records that were deleted here; gives those that somebody changed in between.
+template <class T>
+SBTask<std::vector<Uuid>> deleteBatch(SyncRunPtr run, RunToken token, std::vector<Uuid> ids) {
+  const auto theirs = co_await readRows<T>(run, ids);
+  if (!theirs) co_return std::unexpected(theirs.error());
+  if (!co_await whenSaved(run)) co_return std::unexpected(notSaved());
+  if (token.isOver()) co_return {};
+
+  // What somebody else made of a record is in the history, on disk, before the record goes.
+  std::vector<FromBackend<T>> changes;
+  Edit notes;
+  for (const Unsent<T>& ours : stillWaiting<T>(*run, ids)) {
+    const auto row = theirs->find(ours.id);
+    if (row == theirs->end() || ours.current || ours.base == row->second.record) continue;
+    addNote<T>(notes, deletionNote(row->second.record, theirSide(*run, row->second), mySide(*run, ours),
+                                   run->client.serverNow()));
+    changes.push_back({.id = ours.id, .theirs = row->second.record, .merged = std::nullopt});
+  }
+  if (!changes.empty()) {
+    const SaveResult taken = co_await run->model.takeFromBackend<T>(std::move(changes), std::move(notes));
+    if (!taken) co_return std::unexpected(notSaved());
+    if (token.isOver()) co_return {};
+    if (!co_await whenSaved(run)) co_return std::unexpected(notSaved());
+  }
+
+  const std::vector<Unsent<T>> waiting = stillWaiting<T>(*run, ids);
+  std::unordered_set<Uuid> refusedRows;
+  for (const Unsent<T>& ours : waiting) {
+    if (token.isOver()) co_return {};
+    const auto row = theirs->find(ours.id);
+    if (row == theirs->end() || ours.current) continue;
+    TableQuery asSeen = TableQuery(table<T>()).eq("id", ours.id);
+    if (row->second.row.serverVersion) asSeen.eq("server_version", std::to_string(*row->second.row.serverVersion));
+    const auto removed = co_await run->client.remove(asSeen);
+    if (token.isOver()) co_return {};
+    if (removed) {
+      if constexpr (std::is_same_v<T, Vessel>) run->log.say("🗑 deleted vessel " + row->second.record.name);
+      if constexpr (std::is_same_v<T, VoyagePlan>)
+        run->log.say("🗑 deleted voyage plan " + row->second.record.planName);
+      continue;
+    }
+    const SBError& error = removed.error();
+    if constexpr (std::is_same_v<T, YardPeriod>) run->log.say("❌ Yard delete: " + error.logLine().toStdString());
+    if (error.remedy != SBError::Remedy::mendRecord && error.remedy != SBError::Remedy::askPermission)
+      co_return std::unexpected(error);
+    note(*run, table<T>(), recordName(row->second.record), error);
+    refusedRows.insert(ours.id);
+  }
+
+  const auto left = co_await readRows<T>(run, ids);
+  if (!left) co_return std::unexpected(left.error());
+  if (token.isOver() || !co_await whenSaved(run) || token.isOver()) co_return {};
+  std::vector<Uploaded<T>> done;
+  std::vector<Uuid> again;
+  for (const Unsent<T>& ours : waiting) {
+    if (ours.current || refusedRows.contains(ours.id)) continue;
+    if (left->contains(ours.id)) {
+      again.push_back(ours.id);
+    } else {
+      done.push_back({.id = ours.id, .upTo = ours.revision, .record = {}});
+    }
+  }
+  run->model.markUploaded<T>(done);
+  co_return again;
+}
+
 }  // namespace step_detail
 
 template <class T>
@@ -119,41 +185,16 @@ SBTask<void> uploadDeletions(SyncRunPtr run, RunToken token) {
   using namespace step_detail;
   std::vector<Unsent<T>> deletions = run->model.unsent<T>();
   std::erase_if(deletions, [&](const Unsent<T>& record) { return record.current || record.at > run->deleteBefore; });
-  for (std::size_t begin = 0; begin < deletions.size(); begin += kMostRows) {
-    const std::vector<Unsent<T>> batch(
-        deletions.begin() + static_cast<std::ptrdiff_t>(begin),
-        deletions.begin() + static_cast<std::ptrdiff_t>(std::min(begin + kMostRows, deletions.size())));
-    const auto theirs = co_await readRows<T>(run, idsOf(batch));
-    if (!theirs) co_return std::unexpected(theirs.error());
-    Edit notes;
-    for (const Unsent<T>& record : batch) {
+  const std::vector<Uuid> ids = idsOf(deletions);
+  for (std::size_t begin = 0; begin < ids.size(); begin += kMostRows) {
+    std::vector<Uuid> batch(ids.begin() + static_cast<std::ptrdiff_t>(begin),
+                            ids.begin() + static_cast<std::ptrdiff_t>(std::min(begin + kMostRows, ids.size())));
+    for (int round = 0; round < kRounds && !batch.empty(); ++round) {
+      const auto left = co_await deleteBatch<T>(run, token, std::move(batch));
+      if (!left) co_return std::unexpected(left.error());
       if (token.isOver()) co_return {};
-      const auto row = theirs->find(record.id);
-      if (row == theirs->end()) continue;
-      if (record.base != row->second.record)
-        addNote<T>(notes, deletionNote(row->second.record, theirSide(*run, row->second), mySide(*run, record),
-                                       run->client.serverNow()));
-      const auto removed = co_await run->client.remove(TableQuery(table<T>()).eq("id", record.id));
-      if (removed) {
-        if constexpr (std::is_same_v<T, Vessel>) run->log.say("🗑 deleted vessel " + row->second.record.name);
-        if constexpr (std::is_same_v<T, VoyagePlan>)
-          run->log.say("🗑 deleted voyage plan " + row->second.record.planName);
-        continue;
-      }
-      const SBError& error = removed.error();
-      if constexpr (std::is_same_v<T, YardPeriod>) run->log.say("❌ Yard delete: " + error.logLine().toStdString());
-      if (error.remedy != SBError::Remedy::mendRecord && error.remedy != SBError::Remedy::askPermission)
-        co_return std::unexpected(error);
-      note(*run, table<T>(), recordName(row->second.record), error);
+      batch = *left;
     }
-    const auto left = co_await readRows<T>(run, idsOf(batch));
-    if (!left) co_return std::unexpected(left.error());
-    if (token.isOver() || !co_await whenSaved(run) || token.isOver()) co_return {};
-    if (!notes.empty()) co_await run->model.takeFromBackend<T>({}, std::move(notes));
-    std::vector<Uploaded<T>> done;
-    for (const Unsent<T>& record : batch)
-      if (!left->contains(record.id)) done.push_back({.id = record.id, .upTo = record.revision, .record = {}});
-    run->model.markUploaded<T>(done);
   }
   co_return {};
 }

@@ -42,8 +42,14 @@ class BackendProcess {
   }
   /// Runs a statement in the database itself, above all policies.
   bool execute(const QString& statement) const {
+    return QProcess::execute(QStringLiteral("psql"), {facts_[QStringLiteral("databaseUrl")].toString(),
+                                                      QStringLiteral("-Atqc"), statement}) == 0;
+  }
+  /// Runs a file of statements likewise.
+  bool executeFile(const QString& file) const {
     return QProcess::execute(QStringLiteral("psql"),
-                             {facts_[QStringLiteral("databaseUrl")].toString(), QStringLiteral("-qc"), statement}) == 0;
+                             {facts_[QStringLiteral("databaseUrl")].toString(), QStringLiteral("-v"),
+                              QStringLiteral("ON_ERROR_STOP=1"), QStringLiteral("-qf"), file}) == 0;
   }
 
  private:

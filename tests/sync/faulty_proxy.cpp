@@ -1,5 +1,6 @@
 #include "faulty_proxy.h"
 
+#include <QLoggingCategory>
 #include <QPointer>
 #include <QTcpSocket>
 #include <QTimer>
@@ -7,6 +8,8 @@
 
 namespace thalvorn {
 namespace {
+
+Q_LOGGING_CATEGORY(proxyLog, "thalvorn.proxy")
 
 /// The bytes of the first whole message in `buffer`; 0 when it is not whole yet.
 qsizetype wholeMessage(const QByteArray& buffer) {
@@ -76,6 +79,8 @@ void FaultyProxy::read(QTcpSocket* client) {
   bytes_ += whole;
   const Fault fault = offline_ ? Fault::lostRequest : draw();
   const QByteArray request = closing(sofar.left(whole));
+  qCInfo(proxyLog, "port %d: %s, fault %d", server_.serverPort(), sofar.left(sofar.indexOf(" HTTP/")).constData(),
+         static_cast<int>(fault));
   switch (fault) {
     case Fault::lostRequest:
       return client->abort();
@@ -107,9 +112,10 @@ void FaultyProxy::forward(QTcpSocket* client, const QByteArray& request, Fault f
   const QPointer<QTcpSocket> waiting(client);
   connect(upstream, &QTcpSocket::connected, upstream, [upstream, request] { upstream->write(request); });
   connect(upstream, &QTcpSocket::readyRead, upstream, [upstream, reply] { *reply += upstream->readAll(); });
-  connect(upstream, &QTcpSocket::disconnected, this, [this, upstream, reply, waiting, fault] {
+  connect(upstream, &QTcpSocket::disconnected, this, [this, upstream, request, reply, waiting, fault] {
     *reply += upstream->readAll();
     upstream->deleteLater();
+    if (listener_) listener_(request, *reply);
     if (waiting) answer(waiting, *reply, fault);
   });
   upstream->connectToHost(target_.host(), static_cast<quint16>(target_.port()));

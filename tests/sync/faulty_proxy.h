@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QTcpServer>
 #include <QUrl>
+#include <functional>
 #include <random>
 
 class QTcpSocket;
@@ -21,7 +22,12 @@ class FaultyProxy : public QObject {
   void setFaults(int percent) { percent_ = percent; }
   /// Nothing passes at all.
   void setOffline(bool offline) { offline_ = offline; }
+  bool isOffline() const { return offline_; }
   int requests() const { return requests_; }
+  /// Called with every request and its reply, where something wants to know.
+  void setListener(std::function<void(const QByteArray& request, const QByteArray& reply)> listener) {
+    listener_ = std::move(listener);
+  }
   /// What passed, both ways.
   qint64 bytes() const { return bytes_; }
 
@@ -51,6 +57,7 @@ class FaultyProxy : public QObject {
   std::mt19937 random_;
   int percent_ = 0;
   bool offline_ = false;
+  std::function<void(const QByteArray&, const QByteArray&)> listener_;
   int requests_ = 0;
   qint64 bytes_ = 0;
 };

@@ -24,9 +24,10 @@ std::map<std::string, std::string> listed(const AppViewModel& model) {
   return records;
 }
 
-std::map<std::string, std::string> everything(const AppViewModel& model) {
+std::map<std::string, std::string> everything(const AppViewModel& model, bool withHistory = true) {
   std::map<std::string, std::string> all;
   forEachKind([&]<class T>(std::type_identity<T>) {
+    if (std::is_same_v<T, ConflictNote> && !withHistory) return;
     if constexpr (!std::is_same_v<T, AccountMember>) all.merge(listed<T>(model));
   });
   return all;
@@ -36,16 +37,24 @@ std::map<std::string, std::string> everything(const AppViewModel& model) {
 QCoro::Task<void> untilSaved(Saving saving) { co_await saving; }
 void saved(Saving saving) { finished(untilSaved(std::move(saving))); }
 
-QCoro::Task<SyncOutcome> syncWhenFree(CloudSession* cloud) {
-  SyncManager& sync = cloud->sync();
-  while (sync.isSyncing()) co_await nextEmission(&sync, &SyncManager::stateChanged, 60s);
-  co_return co_await sync.syncAll(true);
+/// What happens, in order, for a seed that failed: THALVORN_TRACE shows it.
+Q_LOGGING_CATEGORY(simulationLog, "thalvorn.simulation")
+
+void tell(const SimulatedClient& client, const std::string& what) {
+  qCInfo(simulationLog, "%s at port %d (%zu wait): %s", client.name.c_str(), client.proxy.url().port(),
+         client.isRunning() ? static_cast<std::size_t>(client.model->dirtyCount()) : 0, what.c_str());
 }
 
 /// Tokens are marked off, so that "e1" is not found in "e12".
 std::string marked(int number) { return "[e" + std::to_string(number) + "]"; }
 
 }  // namespace
+
+QCoro::Task<SyncOutcome> syncWhenFree(CloudSession* cloud) {
+  SyncManager& sync = cloud->sync();
+  while (sync.isSyncing()) co_await nextEmission(&sync, &SyncManager::stateChanged, 60s);
+  co_return co_await sync.syncAll(true);
+}
 
 QCoro::Task<void> HastyTiming::wait(std::chrono::milliseconds duration) {
   elapsed_ += duration;
@@ -88,11 +97,13 @@ bool SimulatedClient::signIn() {
   return !model->accountID().empty();
 }
 
+bool SimulatedClient::signUp() { return finished(cloud->signUp(email, kPassword)).has_value(); }
+
 // ---- the course of it
 // -------------------------------------------------------------------------------------------------------
 
-Simulation::Simulation(const BackendProcess& backend, std::uint32_t seed)
-    : backend_(backend), seed_(seed), random_(seed), vessel_(Uuid::random()) {}
+Simulation::Simulation(const BackendProcess& backend, std::uint32_t seed, ServerAge age)
+    : backend_(backend), seed_(seed), age_(age), random_(seed), vessel_(newID()) {}
 
 std::vector<std::string> Simulation::run(int steps) {
   if (!enter()) return {"seed " + std::to_string(seed_) + ": the crew could not sign in"};
@@ -100,6 +111,10 @@ std::vector<std::string> Simulation::run(int steps) {
   settle();
   compare();
   checkTokens();
+  if (age_ == ServerAge::newer &&
+      !backend_.execute(
+          QStringLiteral("select newer.check_kept('%1')").arg(QString::fromStdString(vessel_.toString()))))
+    faults_.emplace_back("what a newer program wrote was lost");
   return faults_;
 }
 
@@ -117,7 +132,7 @@ bool Simulation::enter() {
     if (clients_.size() == 2 &&
         !finished(clients_[0]->cloud->invite(clients_[1]->email, QStringLiteral("Engineer"), TeamRole::editor)))
       return false;
-    if (!finished(clients_.back()->cloud->signUp(clients_.back()->email, kPassword))) return false;
+    if (!clients_.back()->signUp()) return false;
     // Seats are bought, which a test does in the database's stead.
     if (clients_.size() == 1 && !backend_.setPlan(clients_[0]->model->accountID(), "fleet")) return false;
     if (clients_.size() == 1) finished(clients_[0]->cloud->refreshAccount());
@@ -134,17 +149,14 @@ bool Simulation::enter() {
 }
 
 void Simulation::step() {
-  if (std::getenv("THALVORN_TRACE")) {
-    std::string state;
-    for (const auto& each : clients_) {
-      state += "\n  " + each->name + (each->isRunning() ? ":" : " (off)");
-      if (each->isRunning())
-        for (const auto& [key, json] : everything(*each->model)) state += "\n    " + key + " " + json;
-    }
-    std::fprintf(stderr, "step%s\n", state.c_str());
-  }
+  if (age_ == ServerAge::newer && number(5) == 0 &&
+      !backend_.execute(QStringLiteral("select newer.write_task('%1', %2)")
+                            .arg(QString::fromStdString(vessel_.toString()))
+                            .arg(number(1000))))
+    faults_.emplace_back("the newer program cannot write");
   SimulatedClient& client = *clients_[static_cast<std::size_t>(number(static_cast<int>(clients_.size())))];
   const int what = number(20);
+  tell(client, what < 11 ? "edits" : what < 15 ? "syncs" : what < 17 ? "pushes" : what == 17 ? "moves" : "is killed");
   if (!client.isRunning()) {
     client.start();
   } else if (what < 11) {
@@ -155,6 +167,7 @@ void Simulation::step() {
     finished(client.cloud->sync().pushChanges());
   } else if (what == 17) {
     client.proxy.setOffline(number(2) == 0);
+    tell(client, client.proxy.isOffline() ? "is offline" : "is online");
   } else {
     // In the middle of a run, after a few turns of the loop.
     client.cloud->sync().fullSync();
@@ -163,9 +176,16 @@ void Simulation::step() {
   }
 }
 
+Uuid Simulation::newID() {
+  Uuid id;
+  for (std::uint8_t& byte : id.bytes) byte = static_cast<std::uint8_t>(number(256));
+  return id;
+}
+
 std::string Simulation::newToken(const SimulatedClient& client, const std::string& what) {
   std::string token = marked(++edits_);
   owed_[token] = client.name + ": " + what;
+  tell(client, token + " " + what);
   return token;
 }
 
@@ -174,14 +194,23 @@ void Simulation::supersede(const std::string& text) {
     token = text.find(token->first) == std::string::npos ? std::next(token) : owed_.erase(token);
 }
 
+std::vector<MaintenanceTask> Simulation::tasksOf(const SimulatedClient& client) const {
+  const auto all = client.model->tasks().records();
+  std::vector<MaintenanceTask> tasks(all.begin(), all.end());
+  if (age_ == ServerAge::oldest)
+    std::erase_if(tasks, [&](const MaintenanceTask& task) { return tasksMade_.at(task.id) != client.name; });
+  return tasks;
+}
+
 void Simulation::edit(SimulatedClient& client) {
   AppViewModel& model = *client.model;
-  const auto tasks = model.tasks().records();
+  const std::vector<MaintenanceTask> tasks = tasksOf(client);
   const int what = number(12);
   const auto any = [&] { return tasks[static_cast<std::size_t>(number(static_cast<int>(tasks.size())))]; };
   if (tasks.empty() || what < 3) {
-    MaintenanceTask task{.id = Uuid::random(), .vesselID = vessel_};
+    MaintenanceTask task{.id = newID(), .vesselID = vessel_};
     task.title = newToken(client, "new task " + task.id.toString());
+    tasksMade_[task.id] = client.name;
     saved(model.add(task));
   } else if (what < 9) {
     changeTask(client, any());
@@ -189,8 +218,9 @@ void Simulation::edit(SimulatedClient& client) {
     const MaintenanceTask task = any();
     supersede(toJson(task, JsonFields::full));
     deleted_.insert(task.id);
+    tell(client, "deletes " + task.id.toString());
     saved(model.remove<MaintenanceTask>(task.id));
-  } else if (what == 10 && model.vessels().find(vessel_)) {
+  } else if (what == 10 && age_ != ServerAge::oldest && model.vessels().find(vessel_)) {
     Vessel vessel = *model.vessels().find(vessel_);
     vessel.engineHours += number(50);
     supersede(vessel.notes);
@@ -198,7 +228,7 @@ void Simulation::edit(SimulatedClient& client) {
     saved(model.update(vessel));
   } else {
     ServiceLog log;
-    log.id = Uuid::random();
+    log.id = newID();
     log.vesselID = vessel_;
     log.taskID = any().id;
     log.technicianNotes = newToken(client, "log " + log.id.toString());
@@ -218,6 +248,12 @@ void Simulation::changeTask(SimulatedClient& client, MaintenanceTask task) {
 // ---- the end
 // ------------------------------------------------------------------------------------------------------------------
 
+bool Simulation::settled(const SimulatedClient& client) const {
+  const AppViewModel& model = *client.model;
+  const bool keepsHistory = age_ == ServerAge::older || age_ == ServerAge::oldest;
+  return model.dirtyCount() == (keepsHistory ? model.dirtyCount(RecordKind<ConflictNote>::facts.suffix) : 0);
+}
+
 void Simulation::settle() {
   for (const auto& client : clients_) {
     client->proxy.setFaults(0);
@@ -226,12 +262,12 @@ void Simulation::settle() {
     if (client->cloud->needsSignIn()) client->signIn();
   }
   for (int round = 0; round < kSettlingRounds; ++round) {
-    bool settled = true;
+    bool done = true;
     for (const auto& client : clients_) {
       const SyncOutcome outcome = finished(syncWhenFree(client->cloud.get()));
-      settled = settled && outcome == SyncOutcome::complete && client->model->dirtyCount() == 0;
+      done = done && outcome == SyncOutcome::complete && settled(*client);
     }
-    if (settled && round > 0) return;
+    if (done && round > 0) return;
   }
   for (const auto& client : clients_) {
     std::string what = "does not settle: " + std::to_string(client->model->dirtyCount()) + " wait";
@@ -248,9 +284,10 @@ void Simulation::compare() {
     faults_.push_back("a new computer cannot read the account");
     return;
   }
-  const auto server = everything(*fresh.model);
+  const bool sharesHistory = age_ == ServerAge::current || age_ == ServerAge::newer;
+  const auto server = everything(*fresh.model, sharesHistory);
   for (std::size_t i = 0; i < clients_.size(); ++i) {
-    const auto here = everything(*clients_[i]->model);
+    const auto here = everything(*clients_[i]->model, sharesHistory);
     if (here == server) continue;
     for (const auto& [key, json] : server)
       if (const auto own = here.find(key); own == here.end() || own->second != json)
@@ -263,10 +300,11 @@ void Simulation::compare() {
 
 void Simulation::checkTokens() {
   std::string all;
-  for (const auto& [key, json] : everything(*clients_[0]->model)) all += json + "\n";
+  for (const auto& client : clients_)
+    for (const auto& [key, json] : everything(*client->model)) all += json + "\n";
   for (const auto& [token, what] : owed_)
     if (all.find(token) == std::string::npos) faults_.push_back("lost " + token + ", " + what);
-  if (!faults_.empty() && std::getenv("THALVORN_TRACE")) std::fprintf(stderr, "at the end\n%s\n", all.c_str());
+  if (!faults_.empty()) qCInfo(simulationLog, "at the end\n%s", all.c_str());
   for (const Uuid& id : deleted_)
     if (clients_[0]->model->tasks().find(id)) faults_.push_back("came back: task " + id.toString());
 }
