@@ -79,7 +79,7 @@ class RegisterControllerOf : public RegisterController {
     const auto text = readSpreadsheet(file);
     if (!text) return {{QStringLiteral("problem"), text.error()}};
     const Uuid vessel = tools_.store.selectedVesselID().value_or(Uuid());
-    auto import = recordsFromCsv<T>(*text, vessel, tools_.reports.setting(vesselInView()).calendar);
+    auto import = recordsFromCsv<T>(*text, vessel, tools_.store.calendar(), std::nullopt, calendarAboard());
     const std::size_t inFile = import.records.size();
     read_ = newRecords<T>(std::move(import.records), tools_.store.collection<T>().records(),
                           tools_.store.vessels().records(), vessel);
@@ -118,7 +118,12 @@ class RegisterControllerOf : public RegisterController {
   /// The records as a spreadsheet.
   virtual std::string spreadsheet(const std::vector<T>& records, const ReportSetting& setting,
                                   const CsvFormat& format) const {
-    return recordsCsv<T>(std::span<const T>(records), setting.calendar, {.format = format});
+    return recordsCsv<T>(std::span<const T>(records), setting.calendar,
+                         {.format = format, .calendarAboard = calendarAboard()});
+  }
+  /// Dates in a spreadsheet stand by the clock aboard each record's vessel.
+  CalendarAboard calendarAboard() const {
+    return [&desk = tools_.reports](const Uuid& vessel) { return desk.setting(vessel).calendar; };
   }
 
   std::string csvText(const ReportSetting& setting, const CsvFormat& format) const override {

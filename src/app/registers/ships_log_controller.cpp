@@ -117,9 +117,9 @@ DocumentMaker ShipsLogController::document(const QString& paper, std::vector<Shi
   };
 }
 
-std::string ShipsLogController::spreadsheet(const std::vector<ShipsLogEntry>& records, const ReportSetting& setting,
+std::string ShipsLogController::spreadsheet(const std::vector<ShipsLogEntry>& records, const ReportSetting&,
                                             const CsvFormat& format) const {
-  return shipsLogCsv(records, vesselsOf(records), setting.calendar, format);
+  return shipsLogCsv(records, vesselsOf(records), tools_.store.calendar(), format);
 }
 
 }  // namespace thalvorn::app
