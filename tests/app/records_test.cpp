@@ -252,6 +252,16 @@ TEST_F(Records, AReportIsLaidOutDrawnAndWrittenOnItsOwnThread) {
   std::promise<QByteArray> pdf;
   renderer.makePdf(number, [&](const auto& bytes) { pdf.set_value(bytes ? *bytes : QByteArray()); });
   EXPECT_TRUE(pdf.get_future().get().startsWith("%PDF"));
+
+  const auto stopping = QObject::connect(
+      &renderer, &ReportRenderer::progressed, &renderer, [&] { renderer.cancel(); }, Qt::DirectConnection);
+  std::promise<bool> complete;
+  renderer.makePdf(number, [&](const auto& bytes) { complete.set_value(bytes.has_value()); });
+  EXPECT_FALSE(complete.get_future().get());
+  QObject::disconnect(stopping);
+  std::promise<QByteArray> again;
+  renderer.makePdf(number, [&](const auto& bytes) { again.set_value(bytes ? *bytes : QByteArray()); });
+  EXPECT_TRUE(again.get_future().get().startsWith("%PDF")) << "a PDF that was stopped can be made again";
 }
 
 TEST_F(Records, SettingsAreKeptAndTheStoreIsCheckedAndBackedUp) {

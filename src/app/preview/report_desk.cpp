@@ -98,7 +98,8 @@ void ReportDesk::show(const QVariantMap& arguments) {
 
 void ReportDesk::cancel() {
   renderer_.cancel();
-  fail(QStringLiteral("Stopped. Open the report again to make it."));
+  fail(pages_.count > 0 ? QStringLiteral("Stopped: the report was neither saved nor printed.")
+                        : QStringLiteral("Stopped. Open the report again to make it."));
 }
 
 QString ReportDesk::title() const {

@@ -35,6 +35,7 @@ class ReportRenderer : public QObject {
 
   /// Begins a report and returns its number.
   int begin(DocumentMaker make);
+  /// Stops what is being made. A report that is laid out already stays: its PDF can be made again.
   void cancel();
 
   /// Draws a page `width` pixels wide; `done` is called on the renderer's thread, with a null image for a report that
@@ -50,12 +51,13 @@ class ReportRenderer : public QObject {
 
  private:
   struct Work;
-  RenderOptions options(int report);
+  RenderOptions options(int report, int stops);
 
   QThread thread_;
   std::unique_ptr<QObject> onThread_;  ///< lives on the thread; calls to it run there
   std::shared_ptr<Work> work_;         ///< touched only on the thread
-  std::atomic<int> current_ = 0;
+  std::atomic<int> current_ = 0;       ///< the report that is wanted
+  std::atomic<int> stops_ = 0;         ///< how often work was stopped
 };
 
 }  // namespace thalvorn::app
