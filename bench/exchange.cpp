@@ -7,52 +7,21 @@
 #include <curl/curl.h>
 
 #include <QCoreApplication>
-#include <QCoroFuture>
 #include <QLoggingCategory>
 #include <QTemporaryDir>
-#include <filesystem>
 
-#include "backend/next_emission.h"
 #include "backend/row_kind.h"
 #include "figures.h"
-#include "sync/cloud_session.h"
-#include "tests/sync/backend_process.h"
+#include "shared_fleet.h"
 #include "tests/sync/faulty_proxy.h"
 
 using namespace thalvorn;
+using bench::Computer;
 
 namespace {
 
 constexpr int kTasks = 100'000;
 constexpr int kEdits = 40;
-
-QCoro::Task<SyncOutcome> syncNow(CloudSession* cloud) {
-  SyncManager& sync = cloud->sync();
-  while (sync.isSyncing()) co_await nextEmission(&sync, &SyncManager::stateChanged, std::chrono::minutes(10));
-  co_return co_await sync.syncAll();
-}
-
-QCoro::Task<bool> untilQuiet(CloudSession* cloud) {
-  SyncManager& sync = cloud->sync();
-  while (sync.isSyncing()) co_await nextEmission(&sync, &SyncManager::stateChanged, std::chrono::minutes(10));
-  co_return sync.problems().empty();
-}
-
-QCoro::Task<void> untilSaved(Saving saving) { co_await saving; }
-
-struct Computer {
-  explicit Computer(const BackendConfig& config)
-      : cache(LocalCache::open(std::filesystem::path(folder.path().toStdString()) / "store.db").value()),
-        model(*cache, clock),
-        cloud(model, config, clock, timing, {.deletionDelay = std::chrono::seconds(0)}) {}
-
-  QTemporaryDir folder;
-  SystemClock clock;
-  SystemTiming timing;
-  std::unique_ptr<LocalCache> cache;
-  AppViewModel model;
-  CloudSession cloud;
-};
 
 std::size_t takeBody(char* data, std::size_t size, std::size_t count, void* body) {
   static_cast<std::string*>(body)->append(data, size * count);
@@ -104,20 +73,10 @@ int main(int argc, char** argv) {
   const BackendConfig counted = BackendConfig::from(proxy.url().toString(), backend.key()).value();
 
   Computer first(direct);
-  if (!QCoro::waitFor(first.cloud.signIn(backend.email(0), backend.password(0)))) return 1;
-  QCoro::waitFor(untilQuiet(&first.cloud));
-  const Vessel vessel{.id = Uuid::random(), .name = "M/Y Meridian"};
-  QCoro::waitFor(untilSaved(first.model.add(vessel)));
-  QCoro::waitFor(syncNow(&first.cloud));
+  if (!first.enter(backend.email(0), backend.password(0))) return 1;
+  const std::optional<Vessel> vessel = bench::makeTasks(first, backend, kTasks);
+  if (!vessel) return 1;
   const std::string account = first.model.accountID();
-  if (!backend.execute(
-          QStringLiteral("insert into public.maintenance_tasks(id, user_id, account_id, vessel_id, title, notes,"
-                         " category, trigger_type, due_date) select gen_random_uuid(), '%1', '%2', '%3',"
-                         " 'Task ' || n, 'Check, clean and note the reading', 'Engine', 'date', now() from"
-                         " generate_series(1, %4) n")
-              .arg(first.cloud.userID(), QString::fromStdString(account), QString::fromStdString(vessel.id.toString()))
-              .arg(kTasks)))
-    return 1;
 
   const std::string token = first.cache->preference("sb_access_token").value_or("");
   bench::Samples byHand;
@@ -125,29 +84,28 @@ int main(int argc, char** argv) {
   bench::Samples sync;
   Computer second(counted);
   sync.time([&] {
-    if (!QCoro::waitFor(second.cloud.signIn(backend.email(0), backend.password(0)))) std::abort();
-    QCoro::waitFor(untilQuiet(&second.cloud));
+    if (!second.enter(backend.email(0), backend.password(0))) std::abort();
   });
   if (second.model.tasks().size() != kTasks) return 1;
   bench::Compared{sync.median(), byHand.median()}.atMost("first sync of 100,000 tasks, sign-in to the end",
                                                          "libcurl, same decoder, SQLite", 1.5);
 
-  QCoro::waitFor(syncNow(&second.cloud));
+  QCoro::waitFor(bench::syncNow(&second.cloud));
   const int before = proxy.requests();
   const qint64 bytes = proxy.bytes();
-  QCoro::waitFor(syncNow(&second.cloud));
+  QCoro::waitFor(bench::syncNow(&second.cloud));
   bench::printFigure("a run with nothing changed, requests", std::to_string(proxy.requests() - before), "at most 3",
                      (proxy.requests() - before) / 3.0, 1);
   bench::printFigure("a run with nothing changed, both ways", std::to_string(proxy.bytes() - bytes) + " bytes", "10 kB",
                      static_cast<double>(proxy.bytes() - bytes) / 10'000, 1);
 
-  QCoro::waitFor(syncNow(&first.cloud));
+  QCoro::waitFor(bench::syncNow(&first.cloud));
   bench::Samples edit;
   bench::Samples upsert;
   for (int i = 0; i < kEdits; ++i) {
-    Vessel changed = *first.model.vessels().find(vessel.id);
+    Vessel changed = *first.model.vessels().find(vessel->id);
     changed.notes = "Edit " + std::to_string(i);
-    QCoro::waitFor(untilSaved(first.model.update(changed)));
+    QCoro::waitFor(bench::untilSaved(first.model.update(changed)));
     edit.time([&] { QCoro::waitFor(first.cloud.sync().pushChanges()); });
     const RowContext context{.userID = Uuid::parse(first.cloud.userID().toStdString()).value(),
                              .accountID = Uuid::parse(account).value(),
