@@ -31,7 +31,8 @@ std::string paragraphs(std::string_view cell) {
   std::string text;
   constexpr std::string_view begin = "<text:p>";
   for (auto at = cell.find(begin); at != cell.npos; at = cell.find(begin, at + 1)) {
-    text += (text.empty() ? "" : "\n") + between(cell.substr(at), begin, "</text:p>");
+    if (!text.empty()) text += '\n';
+    text += between(cell.substr(at), begin, "</text:p>");
   }
   for (const auto& [entity, sign] : {std::pair{"&apos;", "'"}, std::pair{"&quot;", "\""}}) {
     for (auto at = text.find(entity); at != text.npos; at = text.find(entity)) text.replace(at, 6, sign);
