@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QLoggingCategory>
 #include <QProcess>
+#include <QSemaphore>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
@@ -56,18 +57,13 @@ class Recording {
 /// Gives recorded replies, each `kLatency` after its request, on a thread of its own.
 class Replay {
  public:
-  explicit Replay(const Recording& recording) : recording_(recording) {
-    server_.moveToThread(&thread_);
-    QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] { accept(); });
-    thread_.start();
-    QMetaObject::invokeMethod(
-        &server_, [this] { port_ = server_.listen(QHostAddress::LocalHost) ? server_.serverPort() : 0; },
-        Qt::BlockingQueuedConnection);
+  explicit Replay(const Recording& recording) : recording_(recording), thread_(QThread::create([this] { serve(); })) {
+    thread_->start();
+    ready_.acquire();
   }
   ~Replay() {
-    QMetaObject::invokeMethod(&server_, [this] { server_.close(); }, Qt::BlockingQueuedConnection);
-    thread_.quit();
-    thread_.wait();
+    thread_->quit();
+    thread_->wait();
   }
   Replay(const Replay&) = delete;
   Replay& operator=(const Replay&) = delete;
@@ -77,8 +73,15 @@ class Replay {
   int pages() const { return pages_; }
 
  private:
-  void accept() {
-    while (QTcpSocket* socket = server_.nextPendingConnection()) {
+  void serve() {
+    QTcpServer server;
+    QObject::connect(&server, &QTcpServer::newConnection, &server, [this, &server] { accept(server); });
+    if (server.listen(QHostAddress::LocalHost)) port_ = server.serverPort();
+    ready_.release();
+    QEventLoop().exec();
+  }
+  void accept(QTcpServer& server) {
+    while (QTcpSocket* socket = server.nextPendingConnection()) {
       QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { read(*socket); });
       QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     }
@@ -101,8 +104,8 @@ class Replay {
   }
 
   const Recording& recording_;
-  QTcpServer server_;
-  QThread thread_;
+  QSemaphore ready_;
+  std::unique_ptr<QThread> thread_;
   quint16 port_ = 0;
   std::atomic<int> pages_ = 0;
 };

@@ -21,7 +21,8 @@ inline QCoro::Task<SyncOutcome> syncNow(CloudSession* cloud) {
 inline QCoro::Task<bool> untilQuiet(CloudSession* cloud) {
   SyncManager& sync = cloud->sync();
   while (sync.isSyncing()) co_await nextEmission(&sync, &SyncManager::stateChanged, std::chrono::minutes(10));
-  co_return sync.problems().empty();
+  const bool isQuiet = sync.problems().empty();
+  co_return isQuiet;
 }
 
 inline QCoro::Task<void> untilSaved(Saving saving) { co_await saving; }
