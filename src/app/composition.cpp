@@ -225,6 +225,9 @@ void Composition::followDesktop() {
   connect(desktop_.get(), &DesktopSettings::reducedMotionChanged, this, motion);
   colours();
   motion();
+  if (!cloud_) return;
+  connect(desktop_.get(), &DesktopSettings::meteredChanged, this,
+          [this] { cloud_->sync().metered().setDesktopSays(desktop_->metered() == DesktopSettings::Metered::yes); });
 }
 
 bool Composition::show() {

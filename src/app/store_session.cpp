@@ -9,12 +9,6 @@
 
 namespace thalvorn::app {
 
-namespace {
-
-constexpr std::string_view kLastFleet = "thalvorn.lastFleet";
-
-}  // namespace
-
 std::expected<std::unique_ptr<StoreSession>, QString> StoreSession::open(const QString& file, const Clock& clock) {
   auto cache = LocalCache::open(std::filesystem::path(file.toStdString()));
   if (!cache) return std::unexpected(QString::fromStdString(cache.error().message));
@@ -30,16 +24,16 @@ StoreSession::~StoreSession() = default;
 std::string StoreSession::startingPrefix() const {
   const Preferences preferences(*cache_);
   if (std::string user = preferences.text(preference_keys::userID); !user.empty()) return user;
-  return preferences.text(kLastFleet);
+  return preferences.text(preference_keys::lastFleet);
 }
 
 void StoreSession::noteOpened(const std::string& prefix) {
   if (cache_->isReadOnly()) return;
   Preferences preferences(*cache_);
-  preferences.setText(kLastFleet, prefix);
+  preferences.setText(preference_keys::lastFleet, prefix);
 }
 
-void StoreSession::forgetChoice() { Preferences(*cache_).remove(kLastFleet); }
+void StoreSession::forgetChoice() { Preferences(*cache_).remove(preference_keys::lastFleet); }
 
 void StoreSession::openFleet(const std::string& prefix) {
   QCoro::connect(read(prefix), this, [] {});

@@ -7,7 +7,7 @@ namespace thalvorn {
 THALVORN_ROW_INSTANTIATE(AccountMember);
 THALVORN_ROW_CODEC(SBUserSettingsRow);
 THALVORN_ROW_CODEC(SBAccountRow);
-THALVORN_ROW_CODEC(SBCrewBoardAcknowledgmentRow);
+THALVORN_ROW_CODEC(AckRow);
 THALVORN_ROW_CODEC(SBDeletedRecordRow);
 THALVORN_ROW_CODEC(SBAccountChangeRow);
 

@@ -59,14 +59,14 @@ BOOST_DESCRIBE_STRUCT(SBAccountRow, (), (id, name, plan, additionalSeats))
 THALVORN_JSON_RECORD(SBAccountRow);
 
 /// Table "crew_board_acknowledgments": who has read a post.
-struct SBCrewBoardAcknowledgmentRow : SBRow {
+struct AckRow : SBRow {
   Uuid postId;
   Uuid userId;
   Uuid accountId;
-  friend bool operator==(const SBCrewBoardAcknowledgmentRow&, const SBCrewBoardAcknowledgmentRow&) = default;
+  friend bool operator==(const AckRow&, const AckRow&) = default;
 };
-BOOST_DESCRIBE_STRUCT(SBCrewBoardAcknowledgmentRow, (), (postId, userId, accountId))
-THALVORN_JSON_RECORD(SBCrewBoardAcknowledgmentRow);
+BOOST_DESCRIBE_STRUCT(AckRow, (), (postId, userId, accountId))
+THALVORN_JSON_RECORD(AckRow);
 
 /// Table "deleted_records": a record that is gone for good.
 struct SBDeletedRecordRow : SBRow {

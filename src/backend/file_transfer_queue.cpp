@@ -5,7 +5,6 @@
 #include <QSaveFile>
 #include <QTimer>
 #include <algorithm>
-#include <array>
 
 #include "backend/logging.h"
 #include "base/json_codec.h"
@@ -17,37 +16,6 @@ THALVORN_JSON_INSTANTIATE(FileTransfer);
 namespace {
 
 using namespace std::chrono_literals;
-
-struct BucketWords {
-  std::string_view bucket;
-  const char* done;
-  const char* failed;
-};
-
-constexpr std::array kBucketWords{
-    BucketWords{"vessel_photos", "✅ vessel photo uploaded: ", "⚠️ vessel photo upload failed: "},
-    BucketWords{"cert_attachments", "📎 uploaded cert attachment: ", "⚠️ cert upload failed: "},
-    BucketWords{"task_photos", "📤 uploaded task photo: ", "⚠️ task photo upload failed: "},
-};
-constexpr BucketWords kOtherWords{"", "📤 uploaded: ", "⚠️ upload failed: "};
-
-const BucketWords& wordsFor(std::string_view bucket) {
-  const auto* found = std::ranges::find(kBucketWords, bucket, &BucketWords::bucket);
-  return found == kBucketWords.end() ? kOtherWords : *found;
-}
-
-void logOutcome(const FileTransfer& transfer, const StorageError* error) {
-  const QString place = QString::fromStdString(transfer.bucket + "/" + transfer.path);
-  if (!error) {
-    qCInfo(backendLog).noquote() << (transfer.isDeletion() ? QStringLiteral("🗑 deleted file ")
-                                                           : QString::fromUtf8(wordsFor(transfer.bucket).done)) +
-                                        place;
-    return;
-  }
-  qCWarning(backendLog).noquote() << (transfer.isDeletion() ? QStringLiteral("⚠️ file deletion failed: ")
-                                                            : QString::fromUtf8(wordsFor(transfer.bucket).failed)) +
-                                         place + QStringLiteral(" — ") + error->cause.logLine();
-}
 
 /// Whether an attempt may succeed later without anybody doing anything.
 bool passes(const StorageError& error) {
@@ -117,8 +85,9 @@ bool FileTransferQueue::add(FileTransfer transfer) {
 }
 
 bool FileTransferQueue::upload(const QString& account, const QString& bucket, const QString& path,
-                               const QString& local_file) {
+                               const QString& local_file, const QString& name) {
   FileTransfer transfer;
+  transfer.name = name.toStdString();
   transfer.accountID = account.toStdString();
   transfer.bucket = bucket.toStdString();
   transfer.path = path.toStdString();
@@ -136,6 +105,16 @@ bool FileTransferQueue::remove(const QString& account, const QString& bucket, co
 
 void FileTransferQueue::retryParked() {
   for (FileTransfer& transfer : transfers_) transfer.isParked = false;
+  save();
+  Q_EMIT changed();
+  process();
+}
+
+void FileTransferQueue::retry(const Uuid& id) {
+  const auto found = find(id);
+  if (found == transfers_.end()) return;
+  found->isParked = false;
+  std::rotate(transfers_.begin(), found, found + 1);
   save();
   Q_EMIT changed();
   process();
@@ -186,21 +165,22 @@ QCoro::Task<void> FileTransferQueue::run() {
       if (!result) failure = result.error();
     }
     if (!*alive) co_return;
-    logOutcome(transfer, failure ? &*failure : nullptr);
-    // The list may have changed meanwhile: a transfer that was replaced or discarded is no longer there.
-    const auto now = find(transfer.id);
     if (!failure) {
+      const auto now = find(transfer.id);
       if (now != transfers_.end()) transfers_.erase(now);
       save();
-      if (!transfer.isDeletion()) Q_EMIT uploaded(bucket, path);
+      Q_EMIT done(transfer);
       if (!*alive) co_return;
       Q_EMIT changed();
       if (!*alive) co_return;
       continue;
     }
+    Q_EMIT failed(transfer, *failure);
+    if (!*alive) co_return;
     if (failure->kind == StorageError::Case::notAuthenticated || failure->cause.remedy == SBError::Remedy::signIn)
       break;
-    if (now != transfers_.end()) {
+    // The list may have changed meanwhile: a transfer that was replaced or discarded is no longer there.
+    if (const auto now = find(transfer.id); now != transfers_.end()) {
       now->attempts += 1;
       now->problem = failure->cause.text.toStdString();
       now->isParked = !passes(*failure);
@@ -210,11 +190,14 @@ QCoro::Task<void> FileTransferQueue::run() {
     }
     if (!passes(*failure)) continue;
     pausing_ = true;
+    Q_EMIT changed();
+    if (!*alive) co_return;
     co_await timing_.wait(pauseAfter(transfer.attempts, *failure));
     if (!*alive || turn != turn_) co_return;
     pausing_ = false;
   }
   running_ = false;
+  Q_EMIT changed();
 }
 
 }  // namespace thalvorn

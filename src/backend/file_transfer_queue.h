@@ -28,12 +28,13 @@ struct FileTransfer {
   std::int64_t attempts = 0;
   std::string problem;    ///< why the last attempt failed, for the user
   bool isParked = false;  ///< failed in a way that trying again does not mend
+  std::string name;       ///< what a person calls the record that the file belongs to
 
   bool isDeletion() const { return localFile.empty(); }
   friend bool operator==(const FileTransfer&, const FileTransfer&) = default;
 };
 BOOST_DESCRIBE_STRUCT(FileTransfer, (),
-                      (id, userID, accountID, bucket, path, localFile, addedAt, attempts, problem, isParked))
+                      (id, userID, accountID, bucket, path, localFile, addedAt, attempts, problem, isParked, name))
 THALVORN_JSON_RECORD(FileTransfer);
 
 /// What waits to be moved to the buckets, kept in a file of its own (mode 0600) so that a photo taken offline goes up
@@ -51,12 +52,15 @@ class FileTransferQueue : public QObject {
   ~FileTransferQueue() override;
 
   /// Both are durable when they return true. False: the file could not be written, and nothing is queued.
-  bool upload(const QString& account, const QString& bucket, const QString& path, const QString& local_file);
+  bool upload(const QString& account, const QString& bucket, const QString& path, const QString& local_file,
+              const QString& name = {});
   bool remove(const QString& account, const QString& bucket, const QString& path);
 
   /// Starts on what waits for the signed-in user; called by itself after `upload`, `remove` and signing in. Call it
   /// when the network returns.
   void process();
+  /// Tries a transfer at once, before the others, also a parked one.
+  void retry(const Uuid& id);
   /// Gives the parked transfers another chance.
   void retryParked();
   /// Forgets a transfer, for instance a parked one that the user gives up.
@@ -64,11 +68,15 @@ class FileTransferQueue : public QObject {
 
   const std::vector<FileTransfer>& transfers() const { return transfers_; }
   bool isRunning() const { return running_; }
+  /// Waits before it tries again.
+  bool isPausing() const { return pausing_; }
 
  Q_SIGNALS:
   /// Something was queued, done, parked or put off.
   void changed();
-  void uploaded(const QString& bucket, const QString& path);
+  void done(const thalvorn::FileTransfer& transfer);
+  /// Not done this time; the transfer says in `changed` whether it is parked.
+  void failed(const thalvorn::FileTransfer& transfer, const thalvorn::StorageError& error);
 
  private:
   bool add(FileTransfer transfer);

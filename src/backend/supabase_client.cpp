@@ -30,6 +30,12 @@ SBError givenUp() { return SBError::network(QStringLiteral("The request was give
 
 QString yesNo(bool value) { return value ? QStringLiteral("yes") : QStringLiteral("no"); }
 
+bool isAuthRequest(const HttpRequest& request) { return request.url.path().contains(QLatin1String("/auth/v1/")); }
+
+void logAuthRequest(const HttpRequest& request) {
+  qCInfo(backendLog).noquote() << QStringLiteral("🔐 Auth request to: ") + request.url.toString();
+}
+
 /// Never the reply itself: it holds the tokens.
 void logAuthReply(const HttpReply& reply) {
   const QJsonObject body = QJsonDocument::fromJson(reply.body).object();
@@ -101,7 +107,7 @@ HttpRequest SupabaseClient::authRequest(QByteArray method, const QByteArray& pat
 SBTask<HttpReply> SupabaseClient::auth(HttpRequest request, std::string token) {
   const auto alive = alive_;
   addIdentity(request, token);
-  qCInfo(backendLog).noquote() << QStringLiteral("🔐 Auth request to: ") + request.url.toString();
+  logAuthRequest(request);
   auto reply = co_await session_->exchange(std::move(request));
   if (!*alive) co_return std::unexpected(givenUp());
   if (!reply) co_return std::unexpected(std::move(reply.error()));
@@ -119,10 +125,13 @@ SBTask<HttpReply> SupabaseClient::sendAuthorized(HttpRequest request, QString wh
     const std::string token = tokens_.session().accessToken;
     if (token.empty()) co_return std::unexpected(SBError::notAuthenticated());
     addIdentity(request, token);
+    const bool isAuth = isAuthRequest(request);
+    if (isAuth) logAuthRequest(request);
     auto reply = co_await session_->exchange(request);
     if (!*alive) co_return std::unexpected(givenUp());
     if (!reply) co_return std::unexpected(std::move(reply.error()));
     noteDate(*reply);
+    if (isAuth) logAuthReply(*reply);
     if (reply->isSuccess() || reply->status == accepted) co_return std::move(reply);
 
     SBError error = SBError::fromReply(*reply);
@@ -258,7 +267,6 @@ SBTask<void> SupabaseClient::setUser(QJsonObject change) {
     co_return std::unexpected(SBError::notAuthenticated());
   }
   HttpRequest request = authRequest("PUT", "/user", change);
-  qCInfo(backendLog).noquote() << QStringLiteral("🔐 Auth request to: ") + request.url.toString();
   auto reply = co_await sendAuthorized(std::move(request), QStringLiteral("setCredentials"));
   if (!*alive) co_return std::unexpected(givenUp());
   if (!reply) {
@@ -272,7 +280,6 @@ SBTask<void> SupabaseClient::setUser(QJsonObject change) {
       qCWarning(backendLog).noquote() << QStringLiteral("❌ setCredentials failed: ") + error.reason;
     co_return std::unexpected(error);
   }
-  logAuthReply(*reply);
   // An address that still waits for confirmation is not the current one; the reply's is.
   const auto parsed = AuthResponse::parse(reply->body);
   const auto user = parsed ? parsed->anyUser() : std::nullopt;

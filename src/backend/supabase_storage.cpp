@@ -143,6 +143,22 @@ StorageTask<StoredFile> SupabaseStorage::download(QString bucket, QString path, 
   co_return StoredFile{reply->body};
 }
 
+StorageTask<bool> SupabaseStorage::exists(QString bucket, QString path) {
+  const QByteArray address = objectPath("authenticated/", bucket, path);
+  if (!client_.isAuthenticated())
+    co_return std::unexpected(failed(StorageError::Case::downloadFailed, SBError::notAuthenticated()));
+  if (address.isEmpty()) co_return std::unexpected(badURL());
+  HttpRequest request;
+  request.url = client_.config().address(address);
+  // One byte tells, with the reason in words where there is none; a HEAD request would be answered without.
+  request.headers = {{"Range", "bytes=0-0"}};
+  const auto reply = co_await client_.sendAuthorized(std::move(request), QStringLiteral("file check"), 416);
+  if (reply) co_return true;
+  StorageError error = failed(StorageError::Case::downloadFailed, reply.error());
+  if (error.isMissing()) co_return false;
+  co_return std::unexpected(std::move(error));
+}
+
 StorageTask<void> SupabaseStorage::remove(QString bucket, QString path) {
   const auto alive = alive_;
   const QByteArray address = objectPath({}, bucket, path);

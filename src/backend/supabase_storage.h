@@ -47,6 +47,9 @@ class SupabaseStorage {
   /// failure then still gives what the cache holds.
   StorageTask<StoredFile> download(QString bucket, QString path, bool revalidate = false);
 
+  /// Whether the server has the file. What the policies hide counts as missing.
+  StorageTask<bool> exists(QString bucket, QString path);
+
   /// Also forgets the cached copy.
   StorageTask<void> remove(QString bucket, QString path);
 

@@ -12,8 +12,10 @@
 #include "cli/json_text.h"
 #include "cli/store_use.h"
 #include "cli/text_table.h"
+#include "platform/desktop_settings.h"
 #include "sync/cloud_session.h"
 #include "sync/conflicts.h"
+#include "sync/file_words.h"
 
 namespace thalvorn::cli {
 namespace {
@@ -86,6 +88,13 @@ QCoro::Task<SyncOutcome> syncNow(CloudSession* cloud) {
   co_return co_await sync.syncAll();
 }
 
+/// Photos and papers go beside the records; the command ends when those that can go are there.
+QCoro::Task<void> untilFilesMoved(CloudSession* cloud) {
+  FileSync& files = cloud->files();
+  while (files.isMoving())
+    if (!co_await nextEmission(&files, &FileSync::changed, kUntilChange)) break;
+}
+
 std::string roleText(const AccountMember& member) {
   return std::string(member.role.display()) + (member.isOwner ? ", owner" : member.isActive ? "" : ", inactive");
 }
@@ -111,7 +120,8 @@ QCoro::Task<CommandResult> signIn(CommandContext context, Arguments arguments) {
 QCoro::Task<CommandResult> signOut(CommandContext context, Arguments arguments) {
   if (!context.cloud) co_return refused(context.cloudProblem);
   if (context.cloud->userID().isEmpty()) co_return done("Nobody was signed in.\n");
-  const int waiting = context.store->dirtyCount();
+  const FileSync& files = context.cloud->files();
+  const int waiting = context.store->dirtyCount() + files.waitingCount() + files.failedCount();
   if (waiting > 0 && !arguments.has("--force"))
     co_return refused(
         fmt::format("{} not sent yet. Run sync first, or sign out with --force; they stay in this "
@@ -123,15 +133,28 @@ QCoro::Task<CommandResult> signOut(CommandContext context, Arguments arguments) 
 
 QCoro::Task<CommandResult> syncFleet(CommandContext context, Arguments arguments) {
   if (auto problem = unlessSignedIn(context)) co_return *problem;
-  if (!arguments.has("--watch")) co_return afterSync(context, co_await syncNow(context.cloud));
+  if (!arguments.has("--watch")) {
+    const SyncOutcome outcome = co_await syncNow(context.cloud);
+    co_await untilFilesMoved(context.cloud);
+    co_return afterSync(context, outcome);
+  }
   if (context.inWindow) co_return refused("The program's window has the store open and keeps it in step already.");
+  SyncManager& sync = context.cloud->sync();
+  const DesktopSettings desktop;
+  QObject::connect(&desktop, &DesktopSettings::meteredChanged, &desktop, [&sync, &desktop] {
+    sync.metered().setDesktopSays(desktop.metered() == DesktopSettings::Metered::yes);
+  });
+  SyncOutcome outcome = co_await syncNow(context.cloud);
   for (;;) {
-    const CommandResult result = afterSync(context, co_await syncNow(context.cloud));
+    const CommandResult result = afterSync(context, outcome);
     fmt::print("{} {}{}", formatTimestamp(context.store->now()), result.out, result.err);
     std::fflush(stdout);
     if (context.cloud->needsSignIn()) co_return refused("The session has expired. Sign in again.");
     // Nothing else changes this store meanwhile: what is to come comes from the server.
-    co_await nextEmission(context.store, &AppViewModel::unsentChanged, kUntilChange);
+    do {
+      co_await nextEmission(context.store, &AppViewModel::unsentChanged, kUntilChange);
+    } while (sync.isSyncing() || (!sync.mayPull() && context.store->dirtyCount() == 0));
+    outcome = sync.mayPull() ? co_await syncNow(context.cloud) : co_await sync.pushChanges();
   }
 }
 
@@ -210,6 +233,9 @@ QCoro::Task<CommandResult> showStatus(CommandContext context, Arguments) {
     if (const int count = store.dirtyCount(RecordKind<T>::facts.suffix); count > 0)
       waiting.emplace_back(RecordKind<T>::facts.table, count);
   });
+  std::vector<FileTransfer> files;
+  if (context.cloud) files = context.cloud->files().transfers();
+  const auto failed = static_cast<std::size_t>(std::ranges::count(files, true, &FileTransfer::isParked));
   if (context.json) {
     JsonObject tables;
     for (const auto& [table, count] : waiting) tables.count(table, static_cast<std::size_t>(count));
@@ -218,6 +244,8 @@ QCoro::Task<CommandResult> showStatus(CommandContext context, Arguments) {
                        .flag("expired", expired)
                        .text("accountID", store.accountID())
                        .json("waiting", tables.take())
+                       .count("filesWaiting", files.size() - failed)
+                       .count("filesFailed", failed)
                        .count("conflicts", static_cast<std::size_t>(std::ranges::count(store.conflicts().records(),
                                                                                        false, &ConflictNote::settled)))
                        .json("lastSync", last ? "\"" + formatTimestamp(*last) + "\"" : "null")
@@ -234,8 +262,13 @@ QCoro::Task<CommandResult> showStatus(CommandContext context, Arguments) {
                       expired ? ", but the session has expired: sign in again" : "",
                       store.accountID().empty() ? "not determined yet" : store.accountID(), when(context, last));
   }
-  if (waiting.empty()) out += "Nothing waits to be sent.\n";
+  if (waiting.empty() && files.empty()) out += "Nothing waits to be sent.\n";
   for (const auto& [table, count] : waiting) out += fmt::format("{} waiting in {}\n", count, table);
+  if (files.size() > failed) out += counted(files.size() - failed, "file", "files") + " waiting to go up\n";
+  for (const FileTransfer& file : files)
+    if (file.isParked)
+      out += fmt::format("{} “{}” could not go up: {}\n", fileKind(file.bucket), printable(file.name),
+                         printable(file.problem));
   co_return done(std::move(out));
 }
 

@@ -307,7 +307,8 @@ constexpr std::array kCommands{
             .operands = "",
             .options = {},
             .usesCloud = true,
-            .summary = "Show who is signed in, what waits to be sent, and when records were last exchanged",
+            .summary =
+                "Show who is signed in, which records and files wait to be sent, and when records were last exchanged",
             .details = {},
             .run = showStatus},
     Command{.name = "check",

@@ -29,4 +29,10 @@ std::vector<AppTabPermissionKey> changedCrewParts(const CrewMember& before, cons
   return parts;
 }
 
+bool differInAcknowledgmentsAlone(const CrewBoardPost& before, const CrewBoardPost& after) {
+  CrewBoardPost acknowledged = before;
+  acknowledged.acknowledgments = after.acknowledgments;
+  return acknowledged == after;
+}
+
 }  // namespace thalvorn

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "compliance/account_member.h"
+#include "compliance/crew_board_post.h"
 #include "compliance/crew_member.h"
 
 namespace thalvorn {
@@ -25,5 +26,8 @@ ModuleRights commonRightsOf(const AccountMember& member);
 /// The parts of a crew member, each with an access of its own, in which two records differ: certifications, travel
 /// documents, and leave, which is an employment status.
 std::vector<AppTabPermissionKey> changedCrewParts(const CrewMember& before, const CrewMember& after);
+
+/// Whether two states of a post differ in nothing but who has acknowledged it, which every member may do.
+bool differInAcknowledgmentsAlone(const CrewBoardPost& before, const CrewBoardPost& after);
 
 }  // namespace thalvorn

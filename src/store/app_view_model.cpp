@@ -58,7 +58,7 @@ struct AppViewModel::Loaded {
     using type = std::tuple<std::vector<T>...>;
   };
   ListsOf<RecordTypes>::type lists;
-  UnsentMarks marks;
+  SyncDirtyTracker marks;
   Edit contentMoved{.label = "Photos and files moved to disk"};      ///< of records as an older program left them
   std::vector<std::pair<std::string_view, std::size_t>> movedBytes;  ///< by suffix
   std::string problem;
@@ -80,7 +80,7 @@ AppViewModel::AppViewModel(LocalCache& cache, const Clock& clock, QObject* paren
   connect(&periodicSyncTask, &QTimer::timeout, this, [this] {
     if (!sync_ || !isAuthenticated_) return;
     qCInfo(storeLog, "☁️ Periodic 5-min sync");
-    sync_->fullSync();
+    sync_->periodicSync();
   });
 }
 

@@ -21,7 +21,7 @@
 #include "store/local_cache.h"
 #include "store/record_kind.h"
 #include "store/saving.h"
-#include "store/unsent_marks.h"
+#include "store/sync_dirty_tracker.h"
 
 namespace thalvorn {
 
@@ -29,12 +29,14 @@ struct CompletionForm;
 struct MeterAdjustment;
 struct MeterReading;
 
-/// Uploads changed records; asked for by the store, done by the sync.
+/// Exchanges records with the backend; asked for by the store, done by the sync.
 class SyncTrigger {
  public:
   virtual ~SyncTrigger() = default;
+  /// Uploads what waits.
   virtual void push() = 0;
-  virtual void fullSync() = 0;
+  /// The turn of the five-minute loop.
+  virtual void periodicSync() = 0;
 };
 
 /// A record that waits for upload.
@@ -309,7 +311,7 @@ class AppViewModel : public QObject {
   std::string loadProblem_;
   QTimer retryTimer_;
   std::deque<Edit> undoable_;
-  UnsentMarks marks_;
+  SyncDirtyTracker marks_;
   int reloadGeneration_ = 0;
   SyncTrigger* sync_ = nullptr;
   QTimer cloudPushTask;     ///< the pending debounced upload after a change

@@ -49,6 +49,12 @@ void append(std::vector<EntryChange>& to, std::optional<AnyRecord> before, std::
   }
 }
 
+bool isAcknowledgment(const RecordChange& change) {
+  const auto* before = change.before ? std::get_if<CrewBoardPost>(&*change.before) : nullptr;
+  const auto* after = change.after ? std::get_if<CrewBoardPost>(&*change.after) : nullptr;
+  return before && after && differInAcknowledgmentsAlone(*before, *after);
+}
+
 }  // namespace
 
 void AppViewModel::setAuthenticated(bool authenticated) {
@@ -86,6 +92,7 @@ std::string AppViewModel::refusalOf(const Edit& edit) const {
   for (const RecordChange& change : edit.changes) {
     const KindFacts& kind =
         std::visit([]<class T>(const T&) -> const KindFacts& { return RecordKind<T>::facts; }, change.either());
+    if (isAcknowledgment(change) && rights(kind.permission).read) continue;
     if (!rights(kind.permission).write)
       return "Your role in this account does not allow changing " + std::string(kind.plural) + "; nothing was changed.";
     if (!std::holds_alternative<CrewMember>(change.either())) continue;
@@ -136,7 +143,7 @@ template <class T>
 Saving AppViewModel::takeFromBackend(std::vector<FromBackend<T>> records, Edit also) {
   if (cache_.isReadOnly()) return refused(cache_.readOnlyReason());
   if (!pending_.empty()) return refused("What was entered here is not saved yet.");
-  Edit inMemory{.label = "Received"};
+  Edit inMemory{.label = "Received", .isReceived = true};
   JournalEntry entry{.revision = 0, .prefix = prefix_, .at = now(), .label = inMemory.label, .changes = {}};
   std::vector<SentRecord> superseded;
   for (FromBackend<T>& record : records) {

@@ -7,12 +7,24 @@
 #include <algorithm>
 
 #include "backend/row_kind.h"
+#include "sync/table_reader.h"
+#include "sync/when_saved.h"
 
 namespace thalvorn {
 namespace {
 
 constexpr std::string_view kPlan = "_plan";
 constexpr std::string_view kAdditionalSeats = "_additional_seats";
+
+ClaimResult claimResult(const AnyCodable& reply) {
+  const QJsonValue account = reply[QStringLiteral("accountId")];
+  return {.accountId = account.isString() ? std::optional(account.toString().toStdString()) : std::nullopt,
+          .claimed = reply[QStringLiteral("claimed")].toBool()};
+}
+
+BootstrapResult bootstrapResult(const AnyCodable& reply) {
+  return {.accountId = reply[QStringLiteral("accountId")].toString().toStdString()};
+}
 
 }  // namespace
 
@@ -49,10 +61,10 @@ void AccountResolver::restore() {
 }
 
 SBTask<std::vector<AccountMember>> AccountResolver::readMembers(TableQuery query) {
-  const auto reply = co_await client_.read(std::move(query));
-  if (!reply) co_return std::unexpected(reply.error());
+  const auto read = co_await readWhole(&client_, std::move(query), "id.asc", token_);
+  if (!read) co_return std::unexpected(read.error());
   const auto rows = listFromJson<SBAccountMemberRow>(
-      std::string_view(reply->rows.data(), static_cast<std::size_t>(reply->rows.size())), JsonFields::full);
+      QJsonDocument(read->rows).toJson(QJsonDocument::Compact).toStdString(), JsonFields::full);
   if (!rows) co_return std::unexpected(SBError::server(200, QStringLiteral("Invalid JSON response")));
   std::vector<AccountMember> members;
   for (const SBAccountMemberRow& row : rows->records)
@@ -60,33 +72,40 @@ SBTask<std::vector<AccountMember>> AccountResolver::readMembers(TableQuery query
   co_return members;
 }
 
-SBTask<void> AccountResolver::resolve() {
+SBTask<std::string> AccountResolver::claimOrBootstrap() {
+  const auto claimed = co_await client_.call(QStringLiteral("claim_pending_invite"), RPCEmptyParams());
+  if (!claimed) co_return std::unexpected(claimed.error());
+  if (const ClaimResult claim = claimResult(*claimed); claim.claimed) co_return claim.accountId.value_or("");
+  const auto made = co_await client_.call(QStringLiteral("bootstrap_own_account"), RPCEmptyParams());
+  if (!made) co_return std::unexpected(made.error());
+  co_return bootstrapResult(*made).accountId;
+}
+
+SBTask<bool> AccountResolver::resolveAccountAndMembership() {
   const std::string user = client_.userID().toStdString();
   const TableQuery ownRow = TableQuery("account_members").eq("user_id", user).eq("is_active", "true");
+  std::string preferred = model_.accountID();
   auto own = co_await readMembers(ownRow);
   if (own && own->empty()) {
-    const auto claim = co_await client_.call(QStringLiteral("claim_pending_invite"), RPCEmptyParams());
-    if (!claim) co_return failed(claim.error());
-    if (!claim->toObject().value(QStringLiteral("claimed")).toBool()) {
-      const auto bootstrap = co_await client_.call(QStringLiteral("bootstrap_own_account"), RPCEmptyParams());
-      if (!bootstrap) co_return failed(bootstrap.error());
-    }
+    const auto entered = co_await claimOrBootstrap();
+    if (!entered) co_return failed(entered.error());
+    preferred = *entered;
     own = co_await readMembers(ownRow);
   }
   if (!own) co_return failed(own.error());
-  if (client_.userID().toStdString() != user || model_.prefix() != user) co_return {};
+  if (client_.userID().toStdString() != user || model_.prefix() != user) co_return false;
   if (own->empty()) {
     log_.say("❌ resolveAccountAndMembership: no membership row after bootstrap/claim");
     model_.cache().setPreference(AppViewModel::accountKey(user), std::nullopt);
     model_.setAccountID({});
     model_.setMembership(std::nullopt);
     Q_EMIT changed();
-    co_return {};
+    co_return true;
   }
   // A member of several accounts works in the one he worked in last, else in his own.
   const AccountMember* chosen = &own->front();
   for (const AccountMember& member : *own) {
-    if (member.accountId.toString() == model_.accountID()) {
+    if (member.accountId.toString() == preferred) {
       chosen = &member;
       break;
     }
@@ -99,7 +118,7 @@ SBTask<void> AccountResolver::resolve() {
   if (!accountRow) co_return failed(accountRow.error());
   auto members = co_await readMembers(TableQuery("account_members").eq("account_id", account));
   if (!members) co_return failed(members.error());
-  if (client_.userID().toStdString() != user || model_.prefix() != user) co_return {};
+  if (client_.userID().toStdString() != user || model_.prefix() != user) co_return false;
 
   const QJsonValue row = QJsonDocument::fromJson(accountRow->rows).array().at(0);
   facts_ = {.plan = row[QStringLiteral("plan")].toString(QStringLiteral("none")).toStdString(),
@@ -111,12 +130,14 @@ SBTask<void> AccountResolver::resolve() {
   model_.setAccountID(account);
   model_.setMembership(membership);
   log_.say("👥 account resolved: " + account + " " + std::to_string(members->size()) + " member(s)");
-  co_await takeMembers(*std::move(members));
+  const RunToken token = token_;
+  const bool kept = co_await takeMembers(*std::move(members));
+  if (token.isOver()) co_return false;
   Q_EMIT changed();
-  co_return {};
+  co_return kept;
 }
 
-QCoro::Task<void> AccountResolver::takeMembers(std::vector<AccountMember> members) {
+QCoro::Task<bool> AccountResolver::takeMembers(std::vector<AccountMember> members) {
   std::vector<FromBackend<AccountMember>> changes;
   for (const AccountMember& known : model_.accountMembers().records()) {
     if (std::ranges::find(members, known.id, &AccountMember::id) == members.end())
@@ -126,7 +147,10 @@ QCoro::Task<void> AccountResolver::takeMembers(std::vector<AccountMember> member
     const Uuid id = member.id;
     changes.push_back({.id = id, .theirs = member, .merged = member});
   }
-  co_await model_.takeFromBackend<AccountMember>(std::move(changes));
+  const RunToken token = token_;
+  const bool kept = co_await whenSaved(&model_, model_.takeFromBackend<AccountMember>(std::move(changes)), token);
+  if (!token.isOver() && !kept) log_.say("⚠️ the members could not be saved; they are asked for again");
+  co_return kept;
 }
 
 std::unexpected<SBError> AccountResolver::failed(const SBError& error) {

@@ -2,6 +2,7 @@
 
 #include "backend/supabase_client.h"
 #include "store/app_view_model.h"
+#include "sync/run_token.h"
 #include "sync/sync_log.h"
 
 namespace thalvorn {
@@ -12,6 +13,17 @@ struct AccountFacts {
   std::int64_t additionalSeats = 0;
   /// Seats of the plan and those bought beside them.
   int seats() const;
+};
+
+/// The answer of "claim_pending_invite".
+struct ClaimResult {
+  std::optional<std::string> accountId;  ///< whose membership it was; of several the newest
+  bool claimed = false;
+};
+
+/// The answer of "bootstrap_own_account".
+struct BootstrapResult {
+  std::string accountId;
 };
 
 /// How many users a plan allows: none 1, captain 3, fleet 10, superyacht 25. A plan of a newer program counts as none.
@@ -26,12 +38,14 @@ class AccountResolver : public QObject {
 
  public:
   AccountResolver(AppViewModel& model, SupabaseClient& client, SyncLog& log, QObject* parent = nullptr);
+  ~AccountResolver() override { token_.end(); }
 
   /// Puts the last answer about this user's account in place, beside what the store itself restores.
   void restore();
   /// Asks the backend. An invitation to the user's address is claimed before an account of his own is made. Without a
-  /// connection the last answer stays; a user who is no member any more loses the account.
-  SBTask<void> resolve();
+  /// connection the last answer stays; a user who is no member any more loses the account. False when the answer could
+  /// not be put on disk, for instance because that is full: it counts until the program ends, and is to be asked again.
+  SBTask<bool> resolveAccountAndMembership();
 
   const AccountFacts& facts() const { return facts_; }
 
@@ -39,8 +53,10 @@ class AccountResolver : public QObject {
   void changed();
 
  private:
+  /// The account that the user gets by an invitation, or else one of his own.
+  SBTask<std::string> claimOrBootstrap();
   SBTask<std::vector<AccountMember>> readMembers(TableQuery query);
-  QCoro::Task<void> takeMembers(std::vector<AccountMember> members);
+  QCoro::Task<bool> takeMembers(std::vector<AccountMember> members);
   std::unexpected<SBError> failed(const SBError& error);
   std::string key(std::string_view suffix) const;
 
@@ -48,6 +64,7 @@ class AccountResolver : public QObject {
   SupabaseClient& client_;
   SyncLog& log_;
   AccountFacts facts_;
+  RunToken token_;
 };
 
 }  // namespace thalvorn

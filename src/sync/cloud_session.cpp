@@ -28,6 +28,7 @@ CloudSession::CloudSession(AppViewModel& model, BackendConfig config, const Cloc
       sync_(std::make_unique<SyncManager>(model, *client_, *resolver_, log_, timing, options)),
       files_(std::make_unique<FileSync>(model, *client_, log_, clock, timing)) {
   model_.setSyncTrigger(sync_.get());
+  connect(sync_.get(), &SyncManager::exchanged, files_.get(), &FileSync::goOn);
   connect(client_.get(), &SupabaseClient::sessionExpired, this, [this](const QString& why) {
     model_.setAuthenticated(false);
     Q_EMIT changed();
@@ -71,7 +72,7 @@ QCoro::Task<void> CloudSession::opened(bool changePassword) {
   Q_EMIT changed();
   if (changePassword) Q_EMIT passwordChangeRequired();
   if (!client_->isAuthenticated()) co_return;
-  co_await resolver_->resolve();
+  co_await resolver_->resolveAccountAndMembership();
   if (!*alive) co_return;
   log_.say("🚀 Launch force-sync (post-login sweep)");
   sync_->fullSync();
@@ -120,7 +121,7 @@ QCoro::Task<void> CloudSession::signOut() {
 // --------------------------------------------------------------------------------------------------------------
 
 QCoro::Task<bool> CloudSession::refreshAccount() {
-  const auto resolved = co_await resolver_->resolve();
+  const auto resolved = co_await resolver_->resolveAccountAndMembership();
   co_return resolved.has_value();
 }
 
@@ -141,7 +142,7 @@ QCoro::Task<CloudSession::Done> CloudSession::invite(QString email, QString name
   const int seats = resolver_->facts().seats();
   if (seatsUsed() >= seats)
     co_return std::unexpected(
-        QStringLiteral("You use all %1 seats on your plan. Add a seat to invite another user.").arg(seats));
+        QStringLiteral("%1 of %2 seats on your plan. Add a seat to invite another user.").arg(seatsUsed()).arg(seats));
   const auto invited =
       co_await client_->call(QStringLiteral("invite_team_member"), {{QStringLiteral("p_email"), email},
                                                                     {QStringLiteral("p_name"), name},
@@ -155,6 +156,7 @@ QCoro::Task<CloudSession::Done> CloudSession::invite(QString email, QString name
   }
   const auto told = co_await client_->sendAuthorized({.method = "POST",
                                                       .url = client_->config().address("/api/send-invite"),
+                                                      .headers = {{"Content-Type", "application/json"}},
                                                       .body = json({{QStringLiteral("email"), email},
                                                                     {QStringLiteral("name"), name},
                                                                     {QStringLiteral("role"), text(rawText(role))}}),
@@ -163,7 +165,7 @@ QCoro::Task<CloudSession::Done> CloudSession::invite(QString email, QString name
   if (!*alive) co_return {};
   if (!told)
     log_.say("invite email notify failed (invite itself still succeeded): " + told.error().logLine().toStdString());
-  co_await resolver_->resolve();
+  co_await resolver_->resolveAccountAndMembership();
   co_return {};
 }
 
@@ -182,7 +184,7 @@ QCoro::Task<CloudSession::Done> CloudSession::updateMember(AccountMember member)
   if (*changed == 0)
     co_return std::unexpected(
         QStringLiteral("This member could not be changed: the membership is gone, or your role does not allow it."));
-  co_await resolver_->resolve();
+  co_await resolver_->resolveAccountAndMembership();
   co_return {};
 }
 
@@ -191,7 +193,7 @@ QCoro::Task<CloudSession::Done> CloudSession::removeMember(Uuid id) {
   const auto removed = co_await client_->remove(TableQuery("account_members").eq("id", id));
   if (!*alive) co_return {};
   if (!removed) co_return std::unexpected(removed.error().text);
-  co_await resolver_->resolve();
+  co_await resolver_->resolveAccountAndMembership();
   co_return {};
 }
 

@@ -27,7 +27,7 @@ class CloudSession : public QObject {
   SyncManager& sync() { return *sync_; }
   const AccountResolver& account() const { return *resolver_; }
   SyncLog& log() { return log_; }
-  const FileSync& files() const { return *files_; }
+  FileSync& files() { return *files_; }
 
   /// The user whose fleet is shared on this computer; empty when nobody is signed in. He stays known when his session
   /// has expired and the fleet goes on without the server.

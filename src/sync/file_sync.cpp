@@ -3,11 +3,14 @@
 #include <algorithm>
 
 #include "base/describe.h"
+#include "sync/file_words.h"
 
 namespace thalvorn {
 namespace {
 
 constexpr std::chrono::milliseconds kGather{500};
+constexpr std::chrono::milliseconds kFirstPause{60'000};
+constexpr std::chrono::milliseconds kLongestPause{3'600'000};
 constexpr std::string_view kVesselPhotos = "vessel_photos";
 
 QString qt(const std::string& text) { return QString::fromStdString(text); }
@@ -35,19 +38,23 @@ void collectPaths(const T& record, std::set<std::string>& paths) {
 }
 
 template <class T>
-std::vector<FileSync::NamedFile> filesOf(const T& record, const std::string& account) {
+std::vector<FileSync::NamedFile> filesOf(const AppViewModel& model, const T& record) {
   std::set<std::string> paths;
   collectPaths(record, paths);
+  std::string owner = recordName(record);
+  if constexpr (std::is_same_v<T, VesselProfile>) {
+    if (const Vessel* vessel = model.vessels().find(record.vesselID)) owner = vessel->name;
+  }
   std::vector<FileSync::NamedFile> files;
   for (const std::string& path : paths) {
     const auto slash = path.find('/');
     if (slash == std::string::npos || slash == 0 || slash + 1 == path.size()) continue;
     const std::string bucket = path.substr(0, slash);
-    std::string object = account + path.substr(slash);
+    std::string object = model.accountID() + path.substr(slash);
     if constexpr (std::is_same_v<T, VesselProfile>) {
       if (bucket == kVesselPhotos) object = record.vesselID.toString() + "/photo.jpg";
     }
-    files.push_back({.path = path, .bucket = bucket, .objectPath = std::move(object), .owner = recordName(record)});
+    files.push_back({.path = path, .bucket = bucket, .objectPath = std::move(object), .owner = owner});
   }
   return files;
 }
@@ -64,28 +71,120 @@ FileSync::FileSync(AppViewModel& model, SupabaseClient& client, SyncLog& log, co
       model_(model),
       client_(client),
       log_(log),
+      timing_(timing),
       cache_(qt(folderBeside(model, "downloads"))),
       storage_(client, cache_),
       queue_(std::make_unique<FileTransferQueue>(storage_, client, clock, timing,
                                                  qt(folderBeside(model, "transfers.json")))) {
   fetchSoon_.setSingleShot(true);
   fetchSoon_.setInterval(kGather);
-  connect(&fetchSoon_, &QTimer::timeout, this, [this] { fetchMissing(); });
+  connect(&fetchSoon_, &QTimer::timeout, this, [this] {
+    fetchMissing();
+    if (!fetching_) Q_EMIT changed();
+  });
   connect(&model_, &AppViewModel::edited, this, &FileSync::onEdited);
-  connect(queue_.get(), &FileTransferQueue::uploaded, this, &FileSync::onUploaded);
+  connect(queue_.get(), &FileTransferQueue::changed, this, &FileSync::changed);
+  connect(&model_, &AppViewModel::prefixChanged, this, &FileSync::changed);
+  connect(queue_.get(), &FileTransferQueue::done, this,
+          [this](const FileTransfer& transfer) { log_.say(doneLine(transfer)); });
+  connect(queue_.get(), &FileTransferQueue::failed, this,
+          [this](const FileTransfer& transfer, const StorageError& error) { log_.say(failedLine(transfer, error)); });
 }
 
 FileSync::~FileSync() { *alive_ = false; }
 
 void FileSync::start() {
   notThere_.clear();
+  queueUnsent();
+  goOn();
+  restoreVesselPhotos();
+}
+
+QCoro::Task<void> FileSync::restoreVesselPhotos() {
+  const auto alive = alive_;
+  const std::string account = model_.accountID();
+  if (account.empty() || !client_.isAuthenticated() || !model_.rights(AppTabPermissionKey::tasks).write) co_return;
+  std::vector<NamedFile> photos;
+  for (const VesselProfile& profile : model_.vesselProfiles().records())
+    for (NamedFile& file : filesOf(model_, profile))
+      if (file.bucket == kVesselPhotos && model_.attachments().absolute(file.path)) photos.push_back(std::move(file));
+  for (const NamedFile& photo : photos) {
+    const auto there = co_await storage_.exists(qt(photo.bucket), qt(photo.objectPath));
+    if (!*alive || model_.accountID() != account) co_return;
+    const auto local = model_.attachments().absolute(photo.path);
+    if (!there || *there || !local || isQueued(photo)) continue;
+    log_.say("📤 uploadVesselPhoto: " + photo.objectPath + " (force re-seed)");
+    queue_->upload(qt(account), qt(photo.bucket), qt(photo.objectPath), qt(local->string()), qt(photo.owner));
+  }
+}
+
+bool FileSync::isQueued(const NamedFile& file) const {
+  return std::ranges::any_of(transfers(), [&](const FileTransfer& transfer) {
+    return transfer.bucket == file.bucket && transfer.path == file.objectPath;
+  });
+}
+
+void FileSync::goOn() {
   queue_->process();
   fetchSoon_.start();
 }
 
+void FileSync::queueUnsent() {
+  if (model_.accountID().empty() || model_.staysOnThisComputer()) return;
+  forEachKind([&]<class T>(std::type_identity<T>) {
+    for (const Unsent<T>& record : model_.unsent<T>()) {
+      if (!record.current) continue;
+      std::set<std::string> known;
+      if (record.base) collectPaths(*record.base, known);
+      for (const NamedFile& file : filesOf(model_, *record.current)) {
+        if (known.contains(file.path) || isQueued(file)) continue;
+        if (const auto local = model_.attachments().absolute(file.path)) queueUpload(file, *local);
+      }
+    }
+  });
+}
+
+std::vector<FileTransfer> FileSync::transfers() const {
+  std::vector<FileTransfer> own = queue_->transfers();
+  std::erase_if(own, [this](const FileTransfer& transfer) { return transfer.userID != model_.prefix(); });
+  return own;
+}
+
+int FileSync::waitingCount() const {
+  return static_cast<int>(std::ranges::count_if(queue_->transfers(), [this](const FileTransfer& transfer) {
+    return !transfer.isParked && transfer.userID == model_.prefix();
+  }));
+}
+
+int FileSync::failedCount() const {
+  return static_cast<int>(std::ranges::count_if(queue_->transfers(), [this](const FileTransfer& transfer) {
+    return transfer.isParked && transfer.userID == model_.prefix();
+  }));
+}
+
+void FileSync::noteDocument(const RecordChange& change) const {
+  const auto& document = std::get<ShipDocument>(*change.after);
+  const std::string operation = change.before ? "updateDocument" : "addDocument";
+  log_.say("📄 addDocument: filePath='" + document.filePath +
+           "', authenticated=" + (client_.isAuthenticated() ? "true" : "false"));
+  if (document.filePath.empty()) return;
+  if (model_.attachments().absolute(document.filePath)) {
+    log_.say("📤 " + operation + ": queuing Storage upload for doc " + document.id.toString());
+  } else {
+    log_.say("⚠️ uploadShipDocumentFile: no disk URL for filePath '" + document.filePath + "'");
+  }
+}
+
+bool FileSync::queueUpload(const NamedFile& file, const std::filesystem::path& local) {
+  std::error_code ignored;
+  const auto bytes = std::filesystem::file_size(local, ignored);
+  log_.say(queuedLine(file.bucket, file.objectPath, ignored ? 0 : bytes));
+  return queue_->upload(qt(model_.accountID()), qt(file.bucket), qt(file.objectPath), qt(local.string()),
+                        qt(file.owner));
+}
+
 void FileSync::onEdited(const Edit& edit) {
   if (model_.accountID().empty() || model_.staysOnThisComputer()) return;
-  const std::string account = model_.accountID();
   bool missing = false;
   for (const RecordChange& change : edit.changes) {
     if (!change.after) continue;
@@ -93,16 +192,19 @@ void FileSync::onEdited(const Edit& edit) {
         [&]<class T>(const T& after) {
           std::set<std::string> before;
           if (change.before) collectPaths(std::get<T>(*change.before), before);
-          for (const NamedFile& file : filesOf(after, account)) {
+          const std::vector<NamedFile> files = filesOf(model_, after);
+          const bool isNew =
+              std::ranges::any_of(files, [&](const NamedFile& file) { return !before.contains(file.path); });
+          if constexpr (std::is_same_v<T, ShipDocument>)
+            if (!edit.isReceived && isNew) noteDocument(change);
+          for (const NamedFile& file : files) {
             if (before.contains(file.path)) continue;
             const auto local = model_.attachments().absolute(file.path);
             if (!local) {
               missing = true;
-              continue;
-            }
-            log_.say("📤 queuing upload of " + file.bucket + " for " + file.owner);
-            if (!queue_->upload(qt(account), qt(file.bucket), qt(file.objectPath), qt(local->string())))
+            } else if (!edit.isReceived && !queueUpload(file, *local)) {
               log_.say("⚠️ the upload of a file could not be noted; it is tried again when the record changes");
+            }
           }
         },
         *change.after);
@@ -110,24 +212,26 @@ void FileSync::onEdited(const Edit& edit) {
   if (missing) fetchSoon_.start();
 }
 
-void FileSync::onUploaded(const QString& bucket, const QString& path) {
-  const QString what = bucket == u"vessel_photos"       ? QStringLiteral("✅ vessel photo uploaded: ")
-                       : bucket == u"cert_attachments"  ? QStringLiteral("📎 uploaded cert attachment: ")
-                       : bucket == u"guest_documents"   ? QStringLiteral("📎 uploaded guest document: ")
-                       : bucket == u"vendor_compliance" ? QStringLiteral("📎 uploaded vendor compliance document: ")
-                                                        : QStringLiteral("📎 uploaded file of %1: ").arg(bucket);
-  log_.say(what + path);
-}
-
 std::vector<FileSync::NamedFile> FileSync::missingFiles() const {
   std::set<NamedFile> missing;
   forEachKind([&]<class T>(std::type_identity<T>) {
     for (const T& record : model_.collection<T>().records())
-      for (NamedFile& file : filesOf(record, model_.accountID()))
-        if (!notThere_.contains(file.path) && !model_.attachments().absolute(file.path))
-          missing.insert(std::move(file));
+      for (NamedFile& file : filesOf(model_, record))
+        if (!isPutOff(file.path) && !model_.attachments().absolute(file.path)) missing.insert(std::move(file));
   });
   return {missing.begin(), missing.end()};
+}
+
+bool FileSync::isPutOff(const std::string& path) const {
+  const auto found = notThere_.find(path);
+  return found != notThere_.end() && timing_.elapsed() < found->second.notBefore;
+}
+
+void FileSync::putOff(const std::string& path) {
+  Absence& absence = notThere_[path];
+  absence.notBefore =
+      timing_.elapsed() + std::min<std::chrono::milliseconds>(kFirstPause * (1 << absence.times), kLongestPause);
+  absence.times = std::min(absence.times + 1, 6);
 }
 
 QCoro::Task<void> FileSync::fetchMissing() {
@@ -149,7 +253,8 @@ QCoro::Task<void> FileSync::fetchMissing() {
       } else {
         log_.say("⚠️ download failed for " + file.bucket + ": " + reason);
       }
-      notThere_.insert(file.path);
+      // Whoever added it may still be at sea: the record comes before the file.
+      putOff(file.path);
       continue;
     }
     const auto bytes = std::span(reinterpret_cast<const std::uint8_t*>(stored->content.constData()),
@@ -160,12 +265,14 @@ QCoro::Task<void> FileSync::fetchMissing() {
         dot == std::string::npos ? std::string_view() : std::string_view(file.path).substr(dot + 1));
     if (!kept || *kept != file.path) {
       // Another photo lies there by now: the record that names it comes with the next exchange.
-      notThere_.insert(file.path);
+      putOff(file.path);
       continue;
     }
+    notThere_.erase(file.path);
     log_.say((file.bucket == kVesselPhotos ? "⬇️ downloaded vessel photo: " : "⬇️ downloaded file: ") + file.objectPath);
   }
   fetching_ = false;
+  Q_EMIT changed();
 }
 
 }  // namespace thalvorn

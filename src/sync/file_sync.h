@@ -2,6 +2,8 @@
 
 #include <QObject>
 #include <QTimer>
+#include <filesystem>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -30,9 +32,23 @@ class FileSync : public QObject {
 
   /// Starts on what waits, both ways; when somebody has signed in, or the network has come back.
   void start();
+  /// Goes on with what waits, both ways; after every exchange of records.
+  void goOn();
   /// Another user may sign in next: nothing that was fetched for this one stays in the cache of downloads.
   void forgetDownloads() { cache_.clear(); }
-  const FileTransferQueue& queue() const { return *queue_; }
+
+  /// What of the user whose fleet is open has not gone up yet, oldest first.
+  std::vector<FileTransfer> transfers() const;
+  /// How many of them go up by themselves, and how many cannot as things are.
+  int waitingCount() const;
+  int failedCount() const;
+  /// Files are on their way at this moment, up or down.
+  bool isMoving() const { return fetching_ || fetchSoon_.isActive() || (queue_->isRunning() && !queue_->isPausing()); }
+  /// Tries one again at once, or all.
+  void retry(const Uuid& id) { queue_->retry(id); }
+  void retryAll() { queue_->retryParked(); }
+  /// Gives an upload up. The file stays on this computer.
+  bool discard(const Uuid& id) { return queue_->discard(id); }
 
   /// A file that a record names.
   struct NamedFile {
@@ -43,21 +59,39 @@ class FileSync : public QObject {
     friend auto operator<=>(const NamedFile&, const NamedFile&) = default;
   };
 
+ Q_SIGNALS:
+  /// What waits is other than it was, or all is done that can be.
+  void changed();
+
  private:
   void onEdited(const Edit& edit);
-  void onUploaded(const QString& bucket, const QString& path);
+  void noteDocument(const RecordChange& change) const;
+  bool queueUpload(const NamedFile& file, const std::filesystem::path& local);
   QCoro::Task<void> fetchMissing();
   std::vector<NamedFile> missingFiles() const;
+  /// Uploads of records that wait themselves, and were not queued: added before the account was known, or moved out of
+  /// the record as the fleet was opened.
+  void queueUnsent();
+  bool isQueued(const NamedFile& file) const;
+  /// Sends the photos again that are here and that the server has lost.
+  QCoro::Task<void> restoreVesselPhotos();
+  bool isPutOff(const std::string& path) const;
+  void putOff(const std::string& path);
 
   AppViewModel& model_;
   SupabaseClient& client_;
   SyncLog& log_;
+  Timing& timing_;
   DownloadCache cache_;
   SupabaseStorage storage_;
   std::unique_ptr<FileTransferQueue> queue_;
   QTimer fetchSoon_;
   bool fetching_ = false;
-  std::set<std::string> notThere_;  ///< paths that the server did not have, in this session
+  struct Absence {
+    int times = 0;
+    std::chrono::milliseconds notBefore{0};  ///< in `Timing` time
+  };
+  std::map<std::string, Absence> notThere_;  ///< by path: files that could not be fetched yet
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 

@@ -9,9 +9,11 @@
 
 #include "backend/conflict_rows.h"
 #include "backend/row_kind.h"
+#include "sync/acknowledgments.h"
 #include "sync/conflicts.h"
 #include "sync/step_facts.h"
 #include "sync/sync_run.h"
+#include "sync/when_saved.h"
 #include "sync/yard_parts.h"
 
 namespace thalvorn {
@@ -20,7 +22,6 @@ namespace step_detail {
 constexpr int kRounds = 4;
 constexpr std::size_t kMostRows = TableQuery::kMostInList;
 constexpr std::size_t kMostBytes = 900'000;
-constexpr std::chrono::seconds kPatienceWithDisk{20};
 
 /// A row as the server has it, and the record in it.
 template <class T>
@@ -44,8 +45,10 @@ constexpr std::string_view table() {
 /// What was entered here is not on disk yet; nothing is exchanged that might be lost.
 SBError notSaved();
 
-/// Everything entered here is on disk: only then is it known what waits.
-QCoro::Task<bool> whenSaved(SyncRunPtr run);
+inline QCoro::Task<bool> whenSaved(SyncRunPtr run) { return thalvorn::whenSaved(&run->model, run->token); }
+inline QCoro::Task<bool> whenSaved(SyncRunPtr run, Saving saving) {
+  return thalvorn::whenSaved(&run->model, std::move(saving), run->token);
+}
 
 /// Waits out a server that is busy, as it asks for; false when it stays busy.
 QCoro::Task<bool> waitOut(SyncRunPtr run, SBError error, int attempt);
@@ -90,15 +93,24 @@ std::optional<Received<T>> receive(SyncRun& run, const QByteArray& json) {
   return received;
 }
 
+/// As many identities at a time as an address holds.
+inline std::vector<std::vector<Uuid>> inParts(std::vector<Uuid> ids) {
+  std::vector<std::vector<Uuid>> parts;
+  for (std::size_t begin = 0; begin < ids.size(); begin += kMostRows) {
+    const std::size_t end = std::min(begin + kMostRows, ids.size());
+    parts.emplace_back(ids.begin() + static_cast<std::ptrdiff_t>(begin),
+                       ids.begin() + static_cast<std::ptrdiff_t>(end));
+  }
+  return parts;
+}
+
 /// Completes records that lie in several tables.
 template <class T>
 SBTask<void> complete(SyncRunPtr run, Received<T>* received) {
   if constexpr (std::is_same_v<T, YardPeriod>) {
     std::vector<Uuid> ids;
     for (const auto& entry : *received) ids.push_back(entry.first);
-    for (std::size_t begin = 0; begin < ids.size(); begin += kMostRows) {
-      const std::vector<Uuid> some(ids.begin() + static_cast<std::ptrdiff_t>(begin),
-                                   ids.begin() + static_cast<std::ptrdiff_t>(std::min(begin + kMostRows, ids.size())));
+    for (const std::vector<Uuid>& some : inParts(std::move(ids))) {
       auto parts = co_await readYardParts(run, some);
       if (!parts) co_return std::unexpected(parts.error());
       for (const Uuid& id : some) {
@@ -106,6 +118,20 @@ SBTask<void> complete(SyncRunPtr run, Received<T>* received) {
         row.parts = std::make_shared<const YardPartRows>(std::move((*parts)[id]));
         attachParts(row.record, *row.parts, run->model.collection<T>().find(id));
       }
+    }
+  }
+  if constexpr (std::is_same_v<T, CrewBoardPost>) {
+    std::vector<Uuid> ids;
+    if (run->schema.acknowledgments)
+      for (const auto& entry : *received) ids.push_back(entry.first);
+    for (const std::vector<Uuid>& some : inParts(std::move(ids))) {
+      auto acknowledgments = co_await readAcknowledgments(run, some);
+      if (!acknowledgments && acknowledgments.error().remedy == SBError::Remedy::updateSchema) {
+        run->schema.acknowledgments = false;
+        break;
+      }
+      if (!acknowledgments) co_return std::unexpected(acknowledgments.error());
+      for (const Uuid& id : some) received->at(id).record.acknowledgments = std::move((*acknowledgments)[id]);
     }
   }
   co_return {};
@@ -204,7 +230,8 @@ SBTask<void> settleAbsent(SyncRunPtr run, RunToken token, std::vector<Uuid> abse
       gone.push_back({.id = ours.id, .theirs = std::nullopt, .merged = std::nullopt});
     }
   }
-  if (!gone.empty()) co_await run->model.takeFromBackend<T>(std::move(gone), std::move(notes));
+  if (!gone.empty() && !co_await whenSaved(run, run->model.takeFromBackend<T>(std::move(gone), std::move(notes))))
+    co_return std::unexpected(notSaved());
   if (token.isOver()) co_return {};
   if (!revived.empty()) co_return co_await takeBackTombstones(run, std::string(table<T>()), std::move(revived));
   co_return {};
@@ -214,7 +241,19 @@ SBTask<void> settleAbsent(SyncRunPtr run, RunToken token, std::vector<Uuid> abse
 template <class T>
 std::string nameOf(const SyncRun& run, const Uuid& id) {
   const T* record = run.model.collection<T>().find(id);
+  if constexpr (std::is_same_v<T, VesselProfile>) {
+    if (const Vessel* vessel = record ? run.model.vessels().find(record->vesselID) : nullptr) return vessel->name;
+  }
   return record ? recordName(*record) : std::string();
+}
+
+/// A record that the server refuses for good is told by name and passed over in this run. False for any other error.
+template <class T>
+bool noteRefusal(const SyncRunPtr& run, const Uuid& id, const SBError& error, std::unordered_set<Uuid>* refusedRows) {
+  if (error.remedy != SBError::Remedy::mendRecord && error.remedy != SBError::Remedy::askPermission) return false;
+  note(*run, table<T>(), nameOf<T>(*run, id), error);
+  refusedRows->insert(id);
+  return true;
 }
 
 /// Sends the rows; those that the server refuses are found by halving and told by name. The others go through.
@@ -311,15 +350,18 @@ SBTask<void> exchangeBatch(SyncRunPtr run, RunToken token, std::vector<Uuid> ids
     changes.push_back(settle(*run, ours, row->second, notes));
   }
   if (!changes.empty()) {
-    const SaveResult taken = co_await run->model.takeFromBackend<T>(std::move(changes), std::move(notes));
-    if (!taken) co_return std::unexpected(notSaved());
+    if (!co_await whenSaved(run, run->model.takeFromBackend<T>(std::move(changes), std::move(notes))))
+      co_return std::unexpected(notSaved());
     if (token.isOver()) co_return {};
     if (!co_await whenSaved(run)) co_return std::unexpected(notSaved());
+    if (token.isOver()) co_return {};
   }
 
   std::vector<RowOf<T>> rows;
   std::unordered_map<Uuid, Sent<T>> sent;
+  std::vector<Uuid> sentIds;
   std::vector<std::pair<YardPeriod, YardPartRows>> periods;
+  std::vector<std::pair<Uuid, bool>> acknowledged;  ///< posts, and whether the user's own is to be there
   for (const Unsent<T>& ours : stillWaiting<T>(*run, ids)) {
     if (!ours.current) continue;
     const auto found = theirs->find(ours.id);
@@ -336,18 +378,36 @@ SBTask<void> exchangeBatch(SyncRunPtr run, RunToken token, std::vector<Uuid> ids
     if (!asSent) continue;
     if constexpr (std::is_same_v<T, YardPeriod>)
       periods.emplace_back(*ours.current, stored && stored->parts ? *stored->parts : YardPartRows{});
+    bool rowDiffers = true;
+    if constexpr (std::is_same_v<T, CrewBoardPost>) {
+      if (run->schema.acknowledgments) {
+        const std::vector<std::string> none;
+        const std::vector<std::string>& theirUsers = stored ? stored->record.acknowledgments : none;
+        std::vector<std::string>& users = asSent->record.acknowledgments;
+        users = withOwnAcknowledgment(theirUsers, ours.current->acknowledgments, run->userID);
+        if (users != theirUsers) acknowledged.emplace_back(ours.id, users.size() > theirUsers.size());
+      }
+      // Who may only acknowledge may not write the post itself.
+      rowDiffers = !stored || !differInAcknowledgmentsAlone(asSent->record, stored->record);
+    }
+    sentIds.push_back(ours.id);
     sent.emplace(ours.id, Sent<T>{std::move(asSent->record), ours.revision});
-    rows.push_back(std::move(row));
+    if (rowDiffers) rows.push_back(std::move(row));
   }
-  if (rows.empty()) co_return {};
-  std::vector<Uuid> sentIds;
-  for (const RowOf<T>& row : rows) sentIds.push_back(row.id);
+  if (sentIds.empty()) co_return {};
   const auto done = co_await sendRows<T>(run, token, std::move(rows), refusedRows);
   if (!done) co_return std::unexpected(done.error());
   for (auto& [period, parts] : periods) {
     if (token.isOver()) co_return {};
+    const Uuid id = period.id;
     const auto partsSent = co_await sendYardParts(run, std::move(period), std::move(parts));
-    if (!partsSent) co_return std::unexpected(partsSent.error());
+    if (!partsSent && !noteRefusal<T>(run, id, partsSent.error(), refusedRows))
+      co_return std::unexpected(partsSent.error());
+  }
+  for (const auto& [post, isSo] : acknowledged) {
+    if (token.isOver()) co_return {};
+    const auto told = co_await sendAcknowledgment(run, post, isSo);
+    if (!told && !noteRefusal<T>(run, post, told.error(), refusedRows)) co_return std::unexpected(told.error());
   }
   if (token.isOver()) co_return {};
 

@@ -4,7 +4,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "backend/next_emission.h"
 #include "sync/table_step.h"
 
 namespace thalvorn::step_detail {
@@ -12,25 +11,15 @@ namespace {
 
 constexpr std::string_view kTombstones = "deleted_records";
 constexpr int kMostWaits = 3;
-constexpr int kInsufficientStorage = 507;  ///< HTTP's word for it, said of this computer
 constexpr std::chrono::seconds kLongestWait{20};
 constexpr std::chrono::seconds kUsualWait{2};
 
 }  // namespace
 
 SBError notSaved() {
-  SBError error = SBError::server(kInsufficientStorage, QStringLiteral("Not saved yet"));
+  SBError error = SBError::server(kNotSaved, QStringLiteral("Not saved yet"));
   error.text = QStringLiteral("What was entered here could not be saved yet; it is sent once it is.");
   return error;
-}
-
-QCoro::Task<bool> whenSaved(SyncRunPtr run) {
-  while (!run->token.isOver() && run->model.unsavedCount() > 0) {
-    if (!run->model.saveProblem().empty()) co_return false;
-    const auto changed = co_await nextEmission(&run->model, &AppViewModel::unsavedChanged, kPatienceWithDisk);
-    if (!changed && !run->token.isOver() && run->model.unsavedCount() > 0) co_return false;
-  }
-  co_return !run->token.isOver();
 }
 
 QCoro::Task<bool> waitOut(SyncRunPtr run, SBError error, int attempt) {
@@ -47,18 +36,19 @@ void note(SyncRun& run, std::string_view table, std::string record, const SBErro
 SBTask<Tombstones> readTombstones(SyncRunPtr run, std::string table, std::vector<Uuid> ids) {
   Tombstones tombstones;
   if (!run->schema.tombstones) co_return tombstones;
-  const auto reply = co_await run->client.read(TableQuery(kTombstones)
-                                                   .eq("account_id", run->accountID)
-                                                   .eq("table_name", table)
-                                                   .in("record_id", ids)
-                                                   .select("record_id,deleted_at,deleted_by"));
+  const auto reply = co_await readWhole(&run->client,
+                                        TableQuery(kTombstones)
+                                            .eq("account_id", run->accountID)
+                                            .eq("table_name", table)
+                                            .in("record_id", ids)
+                                            .select("record_id,deleted_at,deleted_by"),
+                                        "record_id.asc", run->token);
   if (!reply) {
     if (reply.error().remedy != SBError::Remedy::updateSchema) co_return std::unexpected(reply.error());
     run->schema.tombstones = false;
     co_return tombstones;
   }
-  const QJsonArray rows = QJsonDocument::fromJson(reply->rows).array();
-  for (const QJsonValue& row : rows) {
+  for (const QJsonValue& row : reply->rows) {
     const auto id = Uuid::parse(row[QStringLiteral("record_id")].toString().toStdString());
     const auto at = parseTimestamp(row[QStringLiteral("deleted_at")].toString().toStdString());
     if (id) tombstones[*id] = {at.value_or(Timestamp{}), row[QStringLiteral("deleted_by")].toString().toStdString()};

@@ -7,11 +7,15 @@
 #include <QPromise>
 #include <array>
 #include <ranges>
+#include <span>
 
+#include "backend/conflict_rows.h"
 #include "store/preferences.h"
+#include "sync/acknowledgments.h"
 #include "sync/settings_step.h"
 #include "sync/step_facts.h"
 #include "sync/steps.h"
+#include "sync/when_saved.h"
 #include "sync/yard_parts.h"
 
 namespace thalvorn {
@@ -22,16 +26,26 @@ constexpr std::string_view kTableVersions = "_tableVersions";
 constexpr std::string_view kChanges = "account_changes";
 constexpr std::string_view kMembers = "account_members";
 constexpr std::string_view kAccounts = "accounts";
+constexpr std::chrono::seconds kUsualWait{2};     ///< for a busy server that names no time
+constexpr std::chrono::seconds kLongestWait{20};  ///< within one run
 
-struct Step {
+}  // namespace
+
+struct SyncStep {
   std::string_view label;
   std::string_view table;
   SBTask<void> (*deletions)(SyncRunPtr, RunToken);
   SBTask<void> (*uploads)(SyncRunPtr, RunToken);
   SBTask<bool> (*download)(SyncRunPtr, RunToken);
   int (*waiting)(const AppViewModel&);
-  bool optional = false;  ///< an older server may lack the table; what belongs there waits
+  std::span<const std::string_view> parts = {};  ///< further tables that hold what belongs to the records
+  bool byVessel = false;                         ///< read for one vessel after the other
+  bool optional = false;                         ///< an older server may lack the table; what belongs there waits
 };
+
+namespace {
+
+using Step = SyncStep;
 
 template <class T>
 constexpr Step step() {
@@ -40,7 +54,13 @@ constexpr Step step() {
           .deletions = &uploadDeletions<T>,
           .uploads = &uploadChanges<T>,
           .download = &downloadRows<T>,
-          .waiting = [](const AppViewModel& model) { return model.dirtyCount(RecordKind<T>::facts.suffix); }};
+          .waiting = [](const AppViewModel& model) { return model.dirtyCount(RecordKind<T>::facts.suffix); },
+          .byVessel = RowKind<T>::facts.scope == RowScope::vessel};
+}
+
+constexpr Step with(Step step, std::span<const std::string_view> parts) {
+  step.parts = parts;
+  return step;
 }
 
 constexpr Step optional(Step step) {
@@ -69,7 +89,7 @@ constexpr std::array kSteps{
     step<MarpolRecord>(),
     step<GMDSSTestLog>(),
     step<ISMCheckDefinition>(),
-    step<YardPeriod>(),
+    with(step<YardPeriod>(), kYardPartTables),
     Step{.label = "settings",
          .table = "user_settings",
          .deletions = nullptr,
@@ -77,7 +97,7 @@ constexpr std::array kSteps{
          .download = &downloadSettings,
          .waiting = &settingsWaiting},
     step<SubscriptionAccount>(),
-    step<CrewBoardPost>(),
+    with(step<CrewBoardPost>(), kAcknowledgmentTables),
     optional(step<ConflictNote>()),
 };
 
@@ -95,24 +115,32 @@ struct Bounded {
   }
 };
 
-SBTask<bool> workOf(const Step* step, SyncRunPtr run, RunToken token, bool download) {
+/// What of a step is done at one time: all deletions go before the first upload.
+enum class Part : std::uint8_t { deletions, uploads, all };
+
+SBTask<bool> workOf(const Step* step, SyncRunPtr run, RunToken token, Part part) {
+  if (part == Part::deletions) {
+    const auto deleted = co_await step->deletions(run, token);
+    if (!deleted) co_return std::unexpected(deleted.error());
+    co_return false;
+  }
   if (step->waiting(run->model) > 0) {
     const auto uploaded = co_await step->uploads(run, token);
     if (!uploaded) co_return std::unexpected(uploaded.error());
   }
-  if (!download || token.isOver()) co_return false;
+  if (part == Part::uploads || token.isOver()) co_return false;
   co_return co_await step->download(run, token);
 }
 
 QCoro::Task<void> workInto(std::shared_ptr<Bounded> bounded, const Step* step, SyncRunPtr run, RunToken token,
-                           bool download) {
-  bounded->result = co_await workOf(step, run, token, download);
+                           Part part) {
+  bounded->result = co_await workOf(step, run, token, part);
   bounded->tell(true);
 }
 
 /// The step's result; empty when it took too long and was abandoned.
 QCoro::Task<std::optional<std::expected<bool, SBError>>> within(std::chrono::milliseconds limit, const Step* step,
-                                                                SyncRunPtr run, bool download) {
+                                                                SyncRunPtr run, Part part) {
   const auto bounded = std::make_shared<Bounded>();
   bounded->promise.start();
   RunToken token = RunToken::partOf(run->token);
@@ -120,7 +148,7 @@ QCoro::Task<std::optional<std::expected<bool, SBError>>> within(std::chrono::mil
   timer.setSingleShot(true);
   QObject::connect(&timer, &QTimer::timeout, [bounded] { bounded->tell(false); });
   timer.start(limit);
-  workInto(bounded, step, run, token, download);
+  workInto(bounded, step, run, token, part);
   const bool inTime = co_await bounded->promise.future();
   if (inTime) co_return bounded->result;
   token.end();
@@ -130,10 +158,6 @@ QCoro::Task<std::optional<std::expected<bool, SBError>>> within(std::chrono::mil
 std::int64_t versionOf(const std::map<std::string, std::int64_t, std::less<>>& versions, std::string_view table) {
   const auto found = versions.find(table);
   return found == versions.end() ? 0 : found->second;
-}
-
-bool endsRun(const SBError& error) {
-  return error.kind != SBError::Case::serverError || error.remedy == SBError::Remedy::signIn || error.status == 0;
 }
 
 }  // namespace
@@ -146,13 +170,16 @@ SyncManager::SyncManager(AppViewModel& model, SupabaseClient& client, AccountRes
       resolver_(resolver),
       log_(log),
       timing_(timing),
-      options_(options) {
+      options_(options),
+      metered_(model.cache()) {
   heldBack_.setSingleShot(true);
   connect(&heldBack_, &QTimer::timeout, this, &SyncManager::push);
   connect(&model_, &AppViewModel::prefixChanged, this, [this] {
     // Another user's fleet: whatever a run still does is not for it.
     token_.end();
     syncingSince_.reset();
+    pulledAt_.reset();
+    partial_.clear();
     problems_.clear();
     Q_EMIT stateChanged();
   });
@@ -182,6 +209,22 @@ void SyncManager::push() {
 
 void SyncManager::fullSync() { syncAll(); }
 
+bool SyncManager::mayPull() const {
+  return !metered_.isMetered() || !pulledAt_ || timing_.elapsed() - *pulledAt_ >= options_.meteredPause;
+}
+
+void SyncManager::periodicSync() {
+  if (mayPull()) {
+    fullSync();
+  } else if (isAnythingWaiting()) {
+    push();
+  }
+}
+
+bool SyncManager::isAnythingWaiting() const {
+  return std::ranges::any_of(kSteps, [this](const Step& step) { return step.waiting(model_) > 0; });
+}
+
 QCoro::Task<SyncOutcome> SyncManager::syncAll(bool everything) {
   if (!mayStart(true)) co_return SyncOutcome::skipped;
   co_return co_await runNow(everything ? Extent::everything : Extent::changes);
@@ -204,6 +247,11 @@ bool SyncManager::mayStart(bool full) {
   if (model_.staysOnThisComputer() || model_.prefix() != client_.userID().toStdString()) {
     log_.say("🎭 syncAll skipped — demo mode (data is local-only)");
     return false;
+  }
+  if (Preferences preferences(model_.cache());
+      preferences.text(preference_keys::lastFleet) == AppViewModel::demoPrefix) {
+    log_.say("⚠️ stale demo-mode flag found on an authenticated session — clearing it");
+    preferences.remove(preference_keys::lastFleet);
   }
   if (syncingSince_) {
     if (timing_.elapsed() - *syncingSince_ <= options_.stuckAfter) {
@@ -231,7 +279,7 @@ QCoro::Task<SyncOutcome> SyncManager::runNow(Extent extent) {
                                                      .log = log_,
                                                      .timing = timing_,
                                                      .schema = schema_,
-                                                     .notBefore = notBefore_,
+                                                     .partial = partial_,
                                                      .accountID = model_.accountID(),
                                                      .userID = client_.userID().toStdString(),
                                                      .token = token_,
@@ -240,146 +288,233 @@ QCoro::Task<SyncOutcome> SyncManager::runNow(Extent extent) {
   co_await work(run, extent);
   if (run->token.isOver()) co_return SyncOutcome::incomplete;
   finish(run, extent != Extent::uploads);
-  co_return run->problems.empty() && !run->lostConnection ? SyncOutcome::complete : SyncOutcome::incomplete;
+  co_return run->problems.empty() && !run->lostConnection && !run->sessionGone ? SyncOutcome::complete
+                                                                               : SyncOutcome::incomplete;
 }
 
 SBTask<std::optional<SyncManager::Versions>> SyncManager::readVersions(SyncRunPtr run) {
   if (!run->schema.stamps) co_return std::nullopt;
-  const auto reply =
-      co_await run->client.read(TableQuery(kChanges).eq("account_id", run->accountID).select("table_name,version"));
+  const auto reply = co_await readWhole(
+      &run->client, TableQuery(kChanges).eq("account_id", run->accountID).select("table_name,version"),
+      "table_name.asc", run->token);
   if (!reply) {
     if (reply.error().remedy != SBError::Remedy::updateSchema) co_return std::unexpected(reply.error());
     run->schema.stamps = false;
     co_return std::nullopt;
   }
   Versions versions;
-  const QJsonArray rows = QJsonDocument::fromJson(reply->rows).array();
-  for (const auto row : rows)
+  for (const auto row : reply->rows)
     versions[row[QStringLiteral("table_name")].toString().toStdString()] = row[QStringLiteral("version")].toInteger();
   co_return versions;
 }
 
+bool SyncManager::endsRun(SyncRun& run, const SBError& error) {
+  const bool noConnection = error.kind == SBError::Case::networkError || error.status == 0;
+  if (error.kind == SBError::Case::notAuthenticated || error.remedy == SBError::Remedy::signIn) {
+    run.sessionGone = true;
+  } else if (noConnection) {
+    run.lostConnection = true;
+  }
+  return run.sessionGone || run.lostConnection;
+}
+
 QCoro::Task<void> SyncManager::work(SyncRunPtr run, Extent extent) {
-  std::optional<Versions> versions;
-  Versions known;
+  Stamps stamps;
   if (extent != Extent::uploads) {
-    const auto refreshed = co_await run->client.refreshToken();
-    if (run->token.isOver()) co_return;
-    if (refreshed) {
-      log_.say("🔑 Token refreshed");
-    } else {
-      log_.say("⚠️ Token refresh failed: " + refreshed.error().logLine().toStdString());
-      if (endsRun(refreshed.error())) {
-        run->lostConnection = refreshed.error().status == 0;
-        run->sessionGone = !run->lostConnection;
-        co_return;
-      }
-    }
-    log_.say("☁️ syncAll starting for uid: " + run->userID);
-    auto read = co_await readVersions(run);
-    if (run->token.isOver()) co_return;
-    if (!read) {
-      run->lostConnection = endsRun(read.error());
-      run->problems.push_back({std::string(kChanges), {}, read.error().text.toStdString()});
-      if (run->lostConnection) co_return;
-    } else {
-      versions = *std::move(read);
-    }
-    known = knownVersions();
-    // Nothing to be seen of the account may mean that the user is no member any more: absence then proves nothing.
-    const bool membersChanged =
-        !versions || versions->empty() || extent == Extent::everything ||
-        std::ranges::any_of(std::array{kMembers, kAccounts}, [&](std::string_view table) {
-          const auto now = versions->find(table);
-          const auto before = known.find(table);
-          return now != versions->end() && (before == known.end() || before->second != now->second);
-        });
-    if (membersChanged) {
-      const auto resolved = co_await resolver_.resolve();
-      if (run->token.isOver()) co_return;
-      if (!resolved || model_.accountID() != run->accountID) {
-        run->problems.push_back(
-            {std::string(kMembers), {}, "Your membership could not be confirmed; nothing was changed."});
-        co_return;
-      }
-    }
+    if (!co_await prepare(run, extent, &stamps)) co_return;
   }
+  if (co_await sendDeletions(run)) co_await exchange(run, extent, &stamps);
+  // What is here already need not come again, also when the rest could not be done.
+  if (!run->token.isOver() && extent != Extent::uploads) keepVersions(stamps.known);
+}
 
+QCoro::Task<bool> SyncManager::prepare(SyncRunPtr run, Extent extent, Stamps* stamps) {
+  const auto refreshed = co_await run->client.refreshToken();
+  if (run->token.isOver()) co_return false;
+  if (refreshed) {
+    log_.say("🔑 Token refreshed");
+  } else {
+    log_.say("⚠️ Token refresh failed: " + refreshed.error().logLine().toStdString());
+    endsRun(*run, refreshed.error());
+    if (run->sessionGone) {
+      run->problems.push_back({std::string(kMembers), {}, refreshed.error().text.toStdString()});
+      co_return false;
+    }
+    // Without an answer the old token may still do; the next request tells.
+    run->lostConnection = false;
+  }
+  log_.say("☁️ syncAll starting for uid: " + run->userID);
+  auto read = co_await readVersions(run);
+  if (run->token.isOver()) co_return false;
+  if (!read) {
+    run->problems.push_back({std::string(kChanges), {}, read.error().text.toStdString()});
+    if (endsRun(*run, read.error())) co_return false;
+  } else {
+    stamps->now = *std::move(read);
+  }
+  stamps->known = knownVersions();
+  // Nothing to be seen of the account may mean that the user is no member any more: absence then proves nothing.
+  const auto& now = stamps->now;
+  const bool membersChanged =
+      !now || now->empty() || extent == Extent::everything ||
+      std::ranges::any_of(std::array{kMembers, kAccounts}, [&](std::string_view table) {
+        return now->contains(table) && versionOf(stamps->known, table) != versionOf(*now, table);
+      });
+  if (!membersChanged) co_return true;
+  const auto resolved = co_await resolver_.resolveAccountAndMembership();
+  if (run->token.isOver()) co_return false;
+  if (!resolved) endsRun(*run, resolved.error());
+  if (!resolved || model_.accountID() != run->accountID) {
+    run->problems.push_back(
+        {std::string(kMembers), {}, "Your membership could not be confirmed; nothing was changed."});
+    co_return false;
+  }
+  if (!*resolved)
+    run->problems.push_back(
+        {std::string(kMembers), {}, "The members could not be saved yet; they are asked for again."});
+  if (*resolved && now) {
+    for (const std::string_view table : {kMembers, kAccounts})
+      if (now->contains(table)) stamps->known[std::string(table)] = versionOf(*now, table);
+  }
+  co_return true;
+}
+
+bool SyncManager::noteFailure(SyncRun& run, std::string_view table, const SBError& error) {
+  run.problems.push_back({std::string(table), {}, error.text.toStdString()});
+  if (error.retryAfter) notBefore_[std::string(table)] = timing_.elapsed() + *error.retryAfter;
+  return endsRun(run, error);
+}
+
+bool SyncManager::isPutOff(SyncRun& run, std::string_view table) {
+  const auto later = notBefore_.find(table);
+  if (later == notBefore_.end() || later->second <= timing_.elapsed()) return false;
+  const SyncProblem problem{std::string(table), {}, "The server is busy and asked to wait; it is tried again."};
+  if (std::ranges::find(run.problems, problem) == run.problems.end()) run.problems.push_back(problem);
+  return true;
+}
+
+QCoro::Task<bool> SyncManager::sendDeletions(SyncRunPtr run) {
   for (const Step& step : kSteps | std::views::reverse) {
-    if (!step.deletions || step.waiting(model_) == 0) continue;
-    const auto deleted = co_await step.deletions(run, run->token);
-    if (run->token.isOver()) co_return;
-    if (deleted || (step.optional && deleted.error().remedy == SBError::Remedy::updateSchema)) continue;
-    run->problems.push_back({std::string(step.table), {}, deleted.error().text.toStdString()});
-    run->lostConnection = endsRun(deleted.error());
-    if (run->lostConnection) co_return;
-  }
-
-  for (const Step& step : kSteps) {
-    if (const auto later = notBefore_.find(step.table);
-        later != notBefore_.end() && later->second > timing_.elapsed()) {
-      run->problems.push_back(
-          {std::string(step.table), {}, "The server is busy and asked to wait; it is tried again."});
-      continue;
-    }
-    bool download = false;
-    std::optional<std::int64_t> version;
-    if (extent != Extent::uploads) {
-      if (versions) {
-        version = versionOf(*versions, step.table);
-        if (step.table == RecordKind<YardPeriod>::facts.table)
-          for (const std::string_view part : kYardPartTables) *version += versionOf(*versions, part);
-      }
-      const auto before = known.find(step.table);
-      download = extent == Extent::everything || !version || before == known.end() || before->second != *version;
-    }
-    if (!download && step.waiting(model_) == 0) continue;
-    currentTable_ = step.table;
-    Q_EMIT stateChanged();
-    const auto done = co_await within(options_.stepTimeout, &step, run, download);
-    if (run->token.isOver()) co_return;
+    if (!step.deletions || step.waiting(model_) == 0 || isPutOff(*run, step.table)) continue;
+    const auto done = co_await within(options_.stepTimeout, &step, run, Part::deletions);
+    if (run->token.isOver()) co_return false;
     if (!done) {
-      log_.say(std::string(step.label) + " timed out after 60s");
-      run->problems.push_back({std::string(step.table), {}, "The server took too long to answer; it is tried again."});
-    } else if (!*done && step.optional && done->error().remedy == SBError::Remedy::updateSchema) {
-      continue;
+      noteOverrun(*run, step.label, step.table);
     } else if (!*done) {
-      const SBError& error = done->error();
-      log_.say("⚠️ " + std::string(step.label) + ": " + error.logLine().toStdString());
-      run->problems.push_back({std::string(step.table), {}, error.text.toStdString()});
-      if (error.retryAfter) run->notBefore[std::string(step.table)] = timing_.elapsed() + *error.retryAfter;
-      run->lostConnection = endsRun(error);
-      if (run->lostConnection) co_return;
-    } else if (**done && version) {
-      known[std::string(step.table)] = *version;
-    } else if (download) {
-      known.erase(std::string(step.table));
+      if (step.optional && done->error().remedy == SBError::Remedy::updateSchema) continue;
+      log_.say("⚠️ " + std::string(step.label) + ": " + done->error().logLine().toStdString());
+      if (noteFailure(*run, step.table, done->error())) co_return false;
     }
   }
-  if (extent == Extent::uploads) co_return;
-  for (const std::string_view table : {kMembers, kAccounts})
-    if (versions && versions->contains(table)) known[std::string(table)] = versions->find(table)->second;
-  keepVersions(known);
+  co_return true;
+}
+
+void SyncManager::noteOverrun(SyncRun& run, std::string_view label, std::string_view table) {
+  log_.say(std::string(label) + " timed out after 60s");
+  run.problems.push_back({std::string(table), {}, "The server took too long to answer; it is tried again."});
+}
+
+QCoro::Task<void> SyncManager::exchange(SyncRunPtr run, Extent extent, Stamps* stamps) {
+  std::vector<const Step*> busy;
+  for (const Step& step : kSteps) {
+    const Exchanged done = co_await exchangeTable(run, &step, extent, stamps, true);
+    if (done == Exchanged::ends) co_return;
+    if (done == Exchanged::busy) busy.push_back(&step);
+  }
+  // A server that was busy with a table is asked once more, after all the others.
+  for (const Step* step : busy) {
+    const auto until = notBefore_.find(step->table);
+    if (until != notBefore_.end() && until->second > timing_.elapsed())
+      co_await timing_.wait(until->second - timing_.elapsed());
+    if (run->token.isOver()) co_return;
+    if (co_await exchangeTable(run, step, extent, stamps, false) == Exchanged::ends) co_return;
+  }
+}
+
+QCoro::Task<SyncManager::Exchanged> SyncManager::exchangeTable(SyncRunPtr run, const SyncStep* step, Extent extent,
+                                                               Stamps* stamps, bool mayWait) {
+  bool download = false;
+  std::optional<std::int64_t> version;
+  if (extent != Extent::uploads) {
+    if (stamps->now) {
+      version = versionOf(*stamps->now, step->table);
+      for (const std::string_view part : step->parts) *version += versionOf(*stamps->now, part);
+    }
+    const auto before = stamps->known.find(step->table);
+    download = extent == Extent::everything || !version || before == stamps->known.end() || before->second != *version;
+  }
+  if (!download && step->waiting(model_) == 0) co_return Exchanged::done;
+  if (mayWait && isPutOff(*run, step->table)) co_return Exchanged::done;
+  run->tables.insert(step->table);
+  run->version = version;
+  currentTable_ = step->table;
+  Q_EMIT stateChanged();
+  const auto done = co_await within(options_.stepTimeout, step, run, download ? Part::all : Part::uploads);
+  if (run->token.isOver()) co_return Exchanged::ends;
+  const bool whole = done && *done && **done;
+  if (!done) {
+    noteOverrun(*run, step->label, step->table);
+    // What came down in that time need not come again: a long table over a slow link arrives in several runs.
+    const std::int64_t reached = pagesReached();
+    goOn_ = goOn_ || reached > std::exchange(reached_, reached);
+  } else if (!*done) {
+    const SBError& error = done->error();
+    if (step->optional && error.remedy == SBError::Remedy::updateSchema) co_return Exchanged::done;
+    log_.say("⚠️ " + std::string(step->label) + ": " + error.logLine().toStdString());
+    const bool busy = error.remedy == SBError::Remedy::retryLater && error.status != 0 && error.status != kNotSaved;
+    const std::chrono::milliseconds wait = error.retryAfter.value_or(kUsualWait);
+    if (busy) notBefore_[std::string(step->table)] = timing_.elapsed() + wait;
+    if (busy && mayWait && wait <= kLongestWait) co_return Exchanged::busy;
+    if (noteFailure(*run, step->table, error)) co_return Exchanged::ends;
+  }
+  if (!download) co_return Exchanged::done;
+  // A table asked for vessel by vessel is whole only when all vessels are known.
+  if (whole && version && (!step->byVessel || isUpToDate(*stamps, kSteps.front().table))) {
+    stamps->known[std::string(step->table)] = *version;
+  } else {
+    stamps->known.erase(std::string(step->table));
+  }
+  co_return Exchanged::done;
+}
+
+std::int64_t SyncManager::pagesReached() const {
+  std::int64_t reached = 0;
+  for (const auto& entry : partial_) reached += entry.second->next;
+  return reached;
+}
+
+bool SyncManager::isUpToDate(const Stamps& stamps, std::string_view table) {
+  const auto known = stamps.known.find(table);
+  return stamps.now && known != stamps.known.end() && known->second == versionOf(*stamps.now, table);
 }
 
 void SyncManager::finish(const SyncRunPtr& run, bool full) {
   syncingSince_.reset();
   currentTable_ = {};
   offline_ = run->lostConnection;
-  if (full || !run->problems.empty()) problems_ = run->problems;
-  if (full && !run->lostConnection && !run->sessionGone) {
+  const bool goesOn = !run->lostConnection && !run->sessionGone;
+  // What a run did not touch stands as the last one left it.
+  std::erase_if(problems_, [&](const SyncProblem& old) { return full || run->tables.contains(old.table); });
+  for (const SyncProblem& problem : run->problems)
+    if (std::ranges::find(problems_, problem) == problems_.end()) problems_.push_back(problem);
+  if (full && goesOn) {
+    pulledAt_ = timing_.elapsed();
     log_.say("✅ Sync complete");
     model_.cache().setPreference(key(kLastSyncDate), formatTimestamp(model_.now()));
   }
   bool heldBack = false;
   for (const Step& step : kSteps) heldBack = heldBack || (step.deletions && !step.optional && step.waiting(model_) > 0);
   const bool again = std::exchange(pushAgain_, false);
-  if (again && !run->lostConnection) {
+  const bool onWithDownload = std::exchange(goOn_, false) && full && goesOn && !metered_.isMetered();
+  if (onWithDownload) {
+    QTimer::singleShot(0, this, &SyncManager::fullSync);
+  } else if (again && goesOn) {
     QTimer::singleShot(0, this, &SyncManager::push);
-  } else if (heldBack && !run->lostConnection && run->problems.empty()) {
+  } else if (heldBack && goesOn && run->problems.empty()) {
     heldBack_.start(options_.deletionDelay);
   }
   Q_EMIT stateChanged();
+  if (full && goesOn) Q_EMIT exchanged();
 }
 
 SyncManager::Versions SyncManager::knownVersions() const {

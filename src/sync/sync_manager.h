@@ -12,10 +12,13 @@
 #include "backend/timing.h"
 #include "store/app_view_model.h"
 #include "sync/account_resolver.h"
+#include "sync/metered_connection.h"
 #include "sync/sync_log.h"
 #include "sync/sync_run.h"
 
 namespace thalvorn {
+
+struct SyncStep;
 
 /// How a run ended.
 enum class SyncOutcome : std::uint8_t {
@@ -26,7 +29,8 @@ enum class SyncOutcome : std::uint8_t {
 
 /// Moves every record between the store and the backend: uploads what changed here, downloads what changed there, table
 /// after table in a fixed order. One run at a time; a step that takes too long or fails does not hold up those after
-/// it, and what it did not do waits for the next run.
+/// it, and what it did not do waits for the next run. On a metered connection changes still go up at once, while those
+/// of the others are fetched once an hour.
 class SyncManager : public QObject, public SyncTrigger {
   Q_OBJECT
 
@@ -34,6 +38,7 @@ class SyncManager : public QObject, public SyncTrigger {
   struct Options {
     std::chrono::milliseconds stepTimeout{60'000};
     std::chrono::milliseconds stuckAfter{300'000};
+    std::chrono::milliseconds meteredPause{3'600'000};  ///< between the downloads on a metered connection
     std::chrono::seconds deletionDelay{10};  ///< so long a deletion waits before it is sent, so that it can be undone
   };
 
@@ -43,14 +48,19 @@ class SyncManager : public QObject, public SyncTrigger {
 
   /// Starts an upload of what waits; while a run is under way, after it.
   void push() override;
-  /// Starts a full run.
-  void fullSync() override;
+  /// Starts a full run; on a metered connection only an upload until the pause after the last one is over.
+  void periodicSync() override;
+  /// Starts a full run, on every connection.
+  void fullSync();
 
   /// A full run. `everything` reads the tables that the server calls unchanged too.
   QCoro::Task<SyncOutcome> syncAll(bool everything = false);
   /// Uploads alone.
   QCoro::Task<SyncOutcome> pushChanges();
 
+  /// A full run may start by itself: on a metered connection only after a pause since the last one.
+  bool mayPull() const;
+  MeteredConnection& metered() { return metered_; }
   bool isSyncing() const { return syncingSince_.has_value(); }
   std::optional<Timestamp> lastSyncDate() const;
   /// What kept the last run from being complete.
@@ -64,16 +74,41 @@ class SyncManager : public QObject, public SyncTrigger {
 
  Q_SIGNALS:
   void stateChanged();
+  /// A full run has come to its end with the server within reach.
+  void exchanged();
   /// Something the user should read, e.g. that the account could not be determined.
   void messageForUser(const QString& text);
 
  private:
   enum class Extent : std::uint8_t { uploads, changes, everything };
   using Versions = std::map<std::string, std::int64_t, std::less<>>;
+  /// The change stamps of the account's tables.
+  struct Stamps {
+    std::optional<Versions> now;  ///< empty where the server has none: every table is read
+    Versions known;               ///< as of the last download of each that was whole
+  };
 
   bool mayStart(bool full);
+  bool isAnythingWaiting() const;
   QCoro::Task<SyncOutcome> runNow(Extent extent);
   QCoro::Task<void> work(SyncRunPtr run, Extent extent);
+  /// What has to be known before records are exchanged: a fresh token, what has changed, the membership. False when the
+  /// run ends there.
+  QCoro::Task<bool> prepare(SyncRunPtr run, Extent extent, Stamps* stamps);
+  /// Deletions, children before parents. False when the run ends there.
+  QCoro::Task<bool> sendDeletions(SyncRunPtr run);
+  QCoro::Task<void> exchange(SyncRunPtr run, Extent extent, Stamps* stamps);
+  enum class Exchanged : std::uint8_t { done, busy, ends };
+  /// One table, up and down. `busy` when the server wants to be asked again a little later, if it `mayWait`.
+  QCoro::Task<Exchanged> exchangeTable(SyncRunPtr run, const SyncStep* step, Extent extent, Stamps* stamps,
+                                       bool mayWait);
+  /// Whether nothing more can be done in this run, which is noted in it.
+  static bool endsRun(SyncRun& run, const SBError& error);
+  bool noteFailure(SyncRun& run, std::string_view table, const SBError& error);
+  void noteOverrun(SyncRun& run, std::string_view label, std::string_view table);
+  std::int64_t pagesReached() const;
+  bool isPutOff(SyncRun& run, std::string_view table);
+  static bool isUpToDate(const Stamps& stamps, std::string_view table);
   SBTask<std::optional<Versions>> readVersions(SyncRunPtr run);
   void finish(const SyncRunPtr& run, bool full);
   Versions knownVersions() const;
@@ -86,7 +121,9 @@ class SyncManager : public QObject, public SyncTrigger {
   SyncLog& log_;
   Timing& timing_;
   Options options_;
+  MeteredConnection metered_;
   std::optional<std::chrono::milliseconds> syncingSince_;  ///< in `Timing` time
+  std::optional<std::chrono::milliseconds> pulledAt_;      ///< the last full run that found its way, in `Timing` time
   RunToken token_;
   bool pushAgain_ = false;
   bool offline_ = false;
@@ -94,7 +131,10 @@ class SyncManager : public QObject, public SyncTrigger {
   std::vector<SyncProblem> problems_;
   ServerSchema schema_;
   std::map<std::string, std::chrono::milliseconds, std::less<>> notBefore_;
-  QTimer heldBack_;  ///< until the deletions that can still be undone may be sent
+  std::map<std::string, std::shared_ptr<PartialDownload>, std::less<>> partial_;
+  std::int64_t reached_ = 0;  ///< as `pagesReached` was after the last step that took too long
+  bool goOn_ = false;         ///< such a step got further, so the next run does too
+  QTimer heldBack_;           ///< until the deletions that can still be undone may be sent
 };
 
 }  // namespace thalvorn

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "store/app_view_model.h"
 #include "sync/run_token.h"
 #include "sync/sync_log.h"
+#include "sync/table_reader.h"
 
 namespace thalvorn {
 
@@ -23,7 +25,8 @@ struct SyncProblem {
 /// What the server was found to lack. A server without our own columns, tombstones or change stamps works too; fields
 /// that need them keep their local value, and every table is read every time.
 struct ServerSchema {
-  bool ownColumns = true;  ///< extra_json, server_version, seen_version
+  bool acknowledgments = true;  ///< the table of who has read which post
+  bool ownColumns = true;       ///< extra_json, server_version, seen_version
   bool tombstones = true;
   bool stamps = true;
 };
@@ -35,13 +38,15 @@ struct SyncRun {
   SyncLog& log;
   Timing& timing;
   ServerSchema& schema;
-  /// When a table whose server was busy may be asked again, in `Timing` time.
-  std::map<std::string, std::chrono::milliseconds, std::less<>>& notBefore;
+  /// Downloads that were cut off, by table and owner of the rows.
+  std::map<std::string, std::shared_ptr<PartialDownload>, std::less<>>& partial;
   std::string accountID;
   std::string userID;
   RunToken token;
-  Timestamp deleteBefore;  ///< deletions made later can still be undone, and wait
+  Timestamp deleteBefore;                    ///< deletions made later can still be undone, and wait
+  std::optional<std::int64_t> version = {};  ///< change stamp of the table under way
   std::vector<SyncProblem> problems;
+  std::set<std::string_view> tables = {};  ///< those that were exchanged
   bool lostConnection = false;
   bool sessionGone = false;
 };

@@ -16,7 +16,7 @@ template <class T>
 struct Gathered {
   SyncRunPtr run;
   RunToken token;
-  std::unordered_set<Uuid> seen;
+  std::shared_ptr<std::unordered_set<Uuid>> seen;  ///< of the rows' owner whose turn it is
   std::optional<SBError> failure;
 };
 
@@ -48,7 +48,7 @@ QCoro::Task<int> takePage(std::shared_ptr<Gathered<T>> gathered, QByteArray rows
   std::vector<FromBackend<T>> changes;
   Edit notes;
   for (auto& [id, row] : *received) {
-    if (!gathered->seen.insert(id).second) continue;
+    if (!gathered->seen->insert(id).second) continue;
     ++fresh;
     const auto ours = waiting.find(id);
     if (ours == waiting.end()) {
@@ -60,8 +60,7 @@ QCoro::Task<int> takePage(std::shared_ptr<Gathered<T>> gathered, QByteArray rows
     }
   }
   if (!changes.empty()) {
-    const SaveResult taken = co_await run.model.takeFromBackend<T>(std::move(changes), std::move(notes));
-    if (!taken) {
+    if (!co_await whenSaved(gathered->run, run.model.takeFromBackend<T>(std::move(changes), std::move(notes)))) {
       gathered->failure = notSaved();
       co_return -1;
     }
@@ -71,8 +70,10 @@ QCoro::Task<int> takePage(std::shared_ptr<Gathered<T>> gathered, QByteArray rows
 
 /// Records that a complete download did not show are gone, unless they were made here and never went up.
 template <class T>
-QCoro::Task<void> removeAbsent(SyncRunPtr run, RunToken token, std::unordered_set<Uuid> seen) {
-  if (!co_await whenSaved(run) || token.isOver()) co_return;
+SBTask<void> removeAbsent(SyncRunPtr run, RunToken token, std::unordered_set<Uuid> seen) {
+  if (token.isOver()) co_return {};
+  if (!co_await whenSaved(run)) co_return std::unexpected(notSaved());
+  if (token.isOver()) co_return {};
   std::unordered_map<Uuid, Unsent<T>> waiting;
   for (Unsent<T>& record : run->model.unsent<T>()) {
     const Uuid id = record.id;
@@ -90,7 +91,9 @@ QCoro::Task<void> removeAbsent(SyncRunPtr run, RunToken token, std::unordered_se
     }
     gone.push_back({.id = record.id, .theirs = std::nullopt, .merged = std::nullopt});
   }
-  if (!gone.empty()) co_await run->model.takeFromBackend<T>(std::move(gone), std::move(notes));
+  if (!gone.empty() && !co_await whenSaved(run, run->model.takeFromBackend<T>(std::move(gone), std::move(notes))))
+    co_return std::unexpected(notSaved());
+  co_return {};
 }
 
 /// Whose rows are asked for one after the other: the account, or each of its vessels.
@@ -131,8 +134,8 @@ SBTask<std::vector<Uuid>> deleteBatch(SyncRunPtr run, RunToken token, std::vecto
     changes.push_back({.id = ours.id, .theirs = row->second.record, .merged = std::nullopt});
   }
   if (!changes.empty()) {
-    const SaveResult taken = co_await run->model.takeFromBackend<T>(std::move(changes), std::move(notes));
-    if (!taken) co_return std::unexpected(notSaved());
+    if (!co_await whenSaved(run, run->model.takeFromBackend<T>(std::move(changes), std::move(notes))))
+      co_return std::unexpected(notSaved());
     if (token.isOver()) co_return {};
     if (!co_await whenSaved(run)) co_return std::unexpected(notSaved());
   }
@@ -178,6 +181,32 @@ SBTask<std::vector<Uuid>> deleteBatch(SyncRunPtr run, RunToken token, std::vecto
   co_return again;
 }
 
+/// Gives a server that has no rows at all those of this computer, but for what has been deleted there. False when that
+/// was all of them.
+template <class T>
+SBTask<bool> seedEmptyServer(SyncRunPtr run, RunToken token) {
+  std::vector<Uuid> ids;
+  for (const T& record : run->model.collection<T>().records()) ids.push_back(record.id);
+  std::unordered_set<Uuid> deleted;
+  for (const std::vector<Uuid>& some : inParts(std::move(ids))) {
+    const auto tombstones = co_await readTombstones(run, std::string(table<T>()), some);
+    if (!tombstones) co_return std::unexpected(tombstones.error());
+    if (token.isOver()) co_return true;
+    for (const auto& entry : *tombstones) deleted.insert(entry.first);
+  }
+  std::vector<RowOf<T>> rows;
+  for (const T& record : run->model.collection<T>().records())
+    if (!deleted.contains(record.id))
+      rows.push_back(rowFromRecord<T>(record, contextOf<T>(*run, {.at = run->client.serverNow()}, nullptr)));
+  if (rows.empty()) co_return false;
+  run->log.say("syncISMCheckDefinitions: seeding empty server with " + std::to_string(rows.size()) +
+               " local definitions");
+  std::unordered_set<Uuid> refusedRows;
+  const auto sent = co_await sendRows<T>(run, token, std::move(rows), &refusedRows);
+  if (!sent) co_return std::unexpected(sent.error());
+  co_return true;
+}
+
 }  // namespace step_detail
 
 template <class T>
@@ -213,7 +242,9 @@ SBTask<void> uploadChanges(SyncRunPtr run, RunToken token) {
       if (!waiting.empty()) run->log.say(line);
     }
     if (waiting.empty()) break;
-    if (!run->model.rights(RecordKind<T>::facts.permission).write) {
+    // Whoever may read the crew board may acknowledge its posts.
+    const ModuleRights rights = run->model.rights(RecordKind<T>::facts.permission);
+    if (!rights.write && !(std::is_same_v<T, CrewBoardPost> && rights.read)) {
       run->problems.push_back({std::string(table<T>()),
                                {},
                                "Your role in this account no longer allows changing " +
@@ -221,9 +252,7 @@ SBTask<void> uploadChanges(SyncRunPtr run, RunToken token) {
                                    ". What you changed stays here until it does."});
       break;
     }
-    for (std::size_t begin = 0; begin < waiting.size(); begin += kMostRows) {
-      std::vector<Uuid> ids;
-      for (std::size_t i = begin; i < std::min(begin + kMostRows, waiting.size()); ++i) ids.push_back(waiting[i].id);
+    for (std::vector<Uuid>& ids : inParts(idsOf(waiting))) {
       const auto exchanged = co_await exchangeBatch<T>(run, token, std::move(ids), &refusedRows);
       if (!exchanged) co_return std::unexpected(exchanged.error());
       if (token.isOver()) co_return {};
@@ -235,35 +264,43 @@ SBTask<void> uploadChanges(SyncRunPtr run, RunToken token) {
 template <class T>
 SBTask<bool> downloadRows(SyncRunPtr run, RunToken token) {
   using namespace step_detail;
-  if (!run->model.rights(RecordKind<T>::facts.permission).read) co_return true;
-  const auto gathered =
-      std::make_shared<Gathered<T>>(Gathered<T>{.run = run, .token = token, .seen = {}, .failure = {}});
+  // Not read, and so not known either: should the member be let in later, everything is fetched.
+  if (!run->model.rights(RecordKind<T>::facts.permission).read) co_return false;
   const std::size_t before = run->model.collection<T>().size();
-  Download download{.rows = 0, .complete = true};
+  std::unordered_set<Uuid> seen;
+  bool isWhole = true;
   for (const Uuid& owner : ownersOf<T>(*run)) {
+    const std::string place = std::string(table<T>()) + ' ' + owner.toString();
+    std::shared_ptr<PartialDownload>& kept = run->partial[place];
+    if (!kept || kept->next == 0) kept = std::make_shared<PartialDownload>(PartialDownload{.version = run->version});
+    const std::shared_ptr<PartialDownload> partial = kept;
+    const bool goesOn = partial->next > 0;
+    const auto gathered =
+        std::make_shared<Gathered<T>>(Gathered<T>{.run = run, .token = token, .seen = partial->seen, .failure = {}});
     const auto read = co_await readTable(
         &run->client, ownRows<T>(owner), RowKind<T>::facts.order,
-        [gathered](QByteArray rows) { return takePage<T>(gathered, std::move(rows)); }, token);
+        [gathered](QByteArray rows) { return takePage<T>(gathered, std::move(rows)); }, token, "id.asc", partial);
+    if (token.isOver()) co_return false;
     if (gathered->failure) co_return std::unexpected(*gathered->failure);
     if (!read) co_return std::unexpected(read.error());
-    if (token.isOver()) co_return false;
-    download.rows += read->rows;
-    download.complete = download.complete && read->complete;
+    seen.insert(partial->seen->begin(), partial->seen->end());
+    // Put together from several runs, it is whole only if nothing changed from the first to the last.
+    const bool unchanged = !goesOn || (run->version && partial->version == run->version);
+    isWhole = isWhole && read->complete && unchanged;
+    run->partial.erase(place);
   }
   if constexpr (std::is_same_v<T, ISMCheckDefinition>) {
-    if (download.complete && gathered->seen.empty() && before > 0) {
-      run->log.say("syncISMCheckDefinitions: seeding empty server with " + std::to_string(before) +
-                   " local definitions");
-      std::vector<RowOf<T>> rows;
-      for (const T& definition : run->model.collection<T>().records())
-        rows.push_back(rowFromRecord<T>(definition, contextOf<T>(*run, {.at = run->client.serverNow()}, nullptr)));
-      std::unordered_set<Uuid> refusedRows;
-      const auto sent = co_await sendRows<T>(run, token, std::move(rows), &refusedRows);
-      if (!sent) co_return std::unexpected(sent.error());
-      co_return false;
+    if (isWhole && seen.empty() && before > 0) {
+      const auto seeded = co_await seedEmptyServer<T>(run, token);
+      if (!seeded) co_return std::unexpected(seeded.error());
+      // What went up is read, and what did not is removed, by the next run.
+      if (*seeded) co_return false;
     }
   }
-  if (download.complete) co_await removeAbsent<T>(run, token, gathered->seen);
+  if (isWhole) {
+    const auto removed = co_await removeAbsent<T>(run, token, seen);
+    if (!removed) co_return std::unexpected(removed.error());
+  }
   if (token.isOver()) co_return false;
   std::string line = std::string(stepFacts<T>.summary);
   if constexpr (std::is_same_v<T, YardPeriod>) {
@@ -275,15 +312,15 @@ SBTask<bool> downloadRows(SyncRunPtr run, RunToken token) {
       punches += period.punchList.size();
       entries += period.logEntries.size();
     }
-    line += std::to_string(gathered->seen.size()) + " periods, " + std::to_string(orders) + " work orders, " +
+    line += std::to_string(seen.size()) + " periods, " + std::to_string(orders) + " work orders, " +
             std::to_string(punches) + " punch list items, " + std::to_string(entries) + " log entries";
   } else if (line.ends_with("local=")) {
-    line += std::to_string(before) + " remote=" + std::to_string(gathered->seen.size());
+    line += std::to_string(before) + " remote=" + std::to_string(seen.size());
   } else {
-    line += std::to_string(gathered->seen.size());
+    line += std::to_string(seen.size());
   }
   run->log.say(line);
-  co_return download.complete;
+  co_return isWhole;
 }
 
 /// Makes the steps of one kind.

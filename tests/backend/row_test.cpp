@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
-#include <map>
-
+#include "backend/filler.h"
 #include "backend/row_kind.h"
 #include "base/json.h"
 
@@ -15,51 +14,10 @@ const Uuid kUser = *Uuid::parse("aaaaaaaa-0000-4000-8000-000000000001");
 const Uuid kAccount = *Uuid::parse("aaaaaaaa-0000-4000-8000-000000000002");
 const RowContext kContext{kUser, kAccount, Timestamp(std::chrono::seconds(1'800'000'000)), std::nullopt};
 
-/// Gives every field of a record, and of what lies in it, a value of its own.
-class Filler {
- public:
-  template <class T>
-  void fill(T& value) {
-    ++count_;
-    if constexpr (std::is_same_v<T, std::string>) {
-      value = "text \"" + std::to_string(count_) + "\" é";
-    } else if constexpr (std::is_same_v<T, bool>) {
-      value = !value;
-    } else if constexpr (std::is_floating_point_v<T>) {
-      value = count_ + 0.25;
-    } else if constexpr (std::is_integral_v<T>) {
-      value = 9'007'199'254'740'993 - count_;
-    } else if constexpr (std::is_same_v<T, Uuid>) {
-      value = Uuid::named(kAccount, std::to_string(count_));
-    } else if constexpr (std::is_same_v<T, Timestamp>) {
-      value = Timestamp(std::chrono::seconds(1'700'000'000 + count_));
-    } else if constexpr (std::is_same_v<T, Bytes>) {
-      value.data = {1, 2, static_cast<std::uint8_t>(count_)};
-    } else if constexpr (isChoice<T>) {
-      value = T::fromRaw("newer case " + std::to_string(count_));
-    } else if constexpr (requires { value.emplace_back(); }) {
-      fill(value.emplace_back());
-      fill(value.emplace_back());
-    } else if constexpr (requires {
-                           value.emplace();
-                           value.has_value();
-                         }) {
-      fill(value.emplace());
-    } else if constexpr (requires { typename T::mapped_type; }) {
-      fill(value[T::key_type::fromRaw("newer module")]);
-    } else {
-      forEachField(value, [this](std::string_view, auto& field) { this->fill(field); });
-    }
-  }
-
- private:
-  int count_ = 0;
-};
-
 template <class T>
 T filled() {
   T record{};
-  Filler().fill(record);
+  Filler(kAccount).fill(record);
   // The author of a post is a user, known by identity.
   if constexpr (requires { record.acknowledgments; }) record.userID = kUser.toString();
   return record;

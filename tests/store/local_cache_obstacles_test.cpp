@@ -2,15 +2,14 @@
 // disk, a file of a newer program.
 
 #include <gmock/gmock.h>
-#include <signal.h>
 #include <sqlite3.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <fstream>
 
 #include "store/cache_testing.h"
+#include "store/full_disk.h"
 
 namespace thalvorn {
 namespace {
@@ -47,26 +46,6 @@ class OrdinaryUser {
  private:
   static constexpr uid_t nobody = 65534;
   bool changed_ = false;
-};
-
-/// No file may grow beyond `bytes` while it lives.
-class FullDisk {
- public:
-  explicit FullDisk(rlim_t bytes) : handler_(::signal(SIGXFSZ, SIG_IGN)) {
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limit{.rlim_cur = bytes, .rlim_max = before_.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FullDisk() {
-    ::setrlimit(RLIMIT_FSIZE, &before_);
-    ::signal(SIGXFSZ, handler_);
-  }
-  FullDisk(const FullDisk&) = delete;
-  FullDisk& operator=(const FullDisk&) = delete;
-
- private:
-  sighandler_t handler_;
-  rlimit before_{};
 };
 
 void execute(const fs::path& file, const std::string& sql) {

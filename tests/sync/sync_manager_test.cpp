@@ -2,11 +2,10 @@
 
 #include <gmock/gmock.h>
 
-#include <QCoroFuture>
-#include <filesystem>
-
-#include "backend/next_emission.h"
-#include "simulation.h"
+#include "backend/row_kind.h"
+#include "computer.h"
+#include "store/full_disk.h"
+#include "store/preferences.h"
 
 namespace thalvorn {
 namespace {
@@ -15,95 +14,176 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
-QCoro::Task<void> untilIdle(CloudSession* cloud) {
-  SyncManager& sync = cloud->sync();
-  while (sync.isSyncing()) co_await nextEmission(&sync, &SyncManager::stateChanged, std::chrono::seconds(60));
+/// The store has saved something, or found that it cannot.
+QCoro::Task<void> nextChange(AppViewModel* model) {
+  co_await nextEmission(model, &AppViewModel::unsavedChanged, std::chrono::seconds(60));
 }
 
-/// One computer; the backend is started by the first test that signs in and shared by the others.
-class SyncRuns : public testing::Test {
- protected:
-  static BackendProcess& backend() {
-    static BackendProcess process({QStringLiteral("--max-rows"), QStringLiteral("7")});
-    return process;
-  }
-  void open(const BackendConfig& config) {
-    cache = LocalCache::open(std::filesystem::path(folder.path().toStdString()) / "store.db").value();
-    model = std::make_unique<AppViewModel>(*cache, clock);
-    cloud = std::make_unique<CloudSession>(*model, config, clock, timing,
-                                           SyncManager::Options{.deletionDelay = std::chrono::seconds(0)});
-  }
-  void signIn() {
-    open(backend().config());
-    ASSERT_TRUE(finished(cloud->signIn(backend().email(0), backend().password(0))));
-    finished(untilIdle(cloud.get()));
-  }
-  std::vector<std::string> said() const {
-    std::vector<std::string> lines;
-    for (const SyncLog::Line& line : cloud->log().lines()) lines.push_back(line.text.toStdString());
-    return lines;
-  }
+constexpr int kCutAfter = 4;
 
-  QTemporaryDir folder;
-  SystemClock clock;
-  HastyTiming timing;
-  std::unique_ptr<LocalCache> cache;
-  std::unique_ptr<AppViewModel> model;
-  std::unique_ptr<CloudSession> cloud;
-};
-
-TEST_F(SyncRuns, AreSkippedWithTheirReason) {
-  open(BackendConfig::from(QStringLiteral("http://127.0.0.1:9"), QStringLiteral("sb_publishable_none")).value());
-  model->reloadNow(Uuid::random().toString());
-  EXPECT_EQ(finished(cloud->sync().syncAll()), SyncOutcome::skipped);
-  EXPECT_EQ(said().back(), "❌ syncAll skipped — not authenticated");
-  model->reloadNow("demo");
-  EXPECT_EQ(finished(cloud->sync().syncAll()), SyncOutcome::skipped);
-  EXPECT_EQ(said().back(), "🎭 syncAll skipped — demo mode (data is local-only)");
+/// Takes a page; after `kCutAfter` the run is over.
+QCoro::Task<int> countFresh(QByteArray json, std::shared_ptr<std::unordered_set<Uuid>> seen, int* pages,
+                            RunToken* token) {
+  const auto rows = listFromJson<SBVesselRow>(json.toStdString(), JsonFields::full);
+  int fresh = 0;
+  for (const SBVesselRow& row : rows.value().records) fresh += seen->insert(row.id).second ? 1 : 0;
+  if (++*pages == kCutAfter) token->end();
+  co_return fresh;
 }
 
-TEST_F(SyncRuns, GoOneAtATimeUntilOneIsStuck) {
-  signIn();
-  auto running = cloud->sync().syncAll();
-  EXPECT_EQ(finished(cloud->sync().syncAll()), SyncOutcome::skipped);
-  EXPECT_THAT(said(), Contains("⏭ syncAll skipped — already syncing"));
-  finished(timing.wait(std::chrono::minutes(6)));
-  EXPECT_EQ(finished(cloud->sync().syncAll()), SyncOutcome::complete);
-  EXPECT_THAT(said(), Contains("⚠️ isSyncing stuck for >5 min — force resetting"));
+TEST(SyncRuns, AreSkippedWithTheirReason) {
+  Computer here(
+      BackendConfig::from(QStringLiteral("http://127.0.0.1:9"), QStringLiteral("sb_publishable_none")).value());
+  here.model->reloadNow(Uuid::random().toString());
+  EXPECT_EQ(finished(here.cloud->sync().syncAll()), SyncOutcome::skipped);
+  EXPECT_EQ(here.said().back(), "❌ syncAll skipped — not authenticated");
+  here.model->reloadNow("demo");
+  EXPECT_EQ(finished(here.cloud->sync().syncAll()), SyncOutcome::skipped);
+  EXPECT_EQ(here.said().back(), "🎭 syncAll skipped — demo mode (data is local-only)");
+}
+
+TEST(SyncRuns, GoOneAtATimeUntilOneIsStuck) {
+  Computer here;
+  ASSERT_TRUE(here.signIn());
+  auto running = here.cloud->sync().syncAll();
+  EXPECT_EQ(finished(here.cloud->sync().syncAll()), SyncOutcome::skipped);
+  EXPECT_THAT(here.said(), Contains("⏭ syncAll skipped — already syncing"));
+  finished(here.timing.wait(std::chrono::minutes(6)));
+  EXPECT_EQ(finished(here.cloud->sync().syncAll()), SyncOutcome::complete);
+  EXPECT_THAT(here.said(), Contains("⚠️ isSyncing stuck for >5 min — force resetting"));
   EXPECT_EQ(finished(std::move(running)), SyncOutcome::incomplete) << "the run that was taken over wrote nothing more";
 }
 
-TEST_F(SyncRuns, PassOverWhatCannotBeReadAndHoldBackNothingElse) {
-  signIn();
+TEST(SyncRuns, FetchOnceAnHourWhatIsPaidByVolumeAndSendAtOnce) {
+  Computer here;
+  ASSERT_TRUE(here.signUp("captain"));
+  SyncManager& sync = here.cloud->sync();
+  const auto fullRuns = [&] {
+    finished(untilIdle(here.cloud.get()));
+    return std::ranges::count(here.said(), "☁️ syncAll starting for uid: " + here.cloud->userID().toStdString());
+  };
+  const auto atFirst = fullRuns();
+  sync.periodicSync();
+  EXPECT_EQ(fullRuns(), atFirst + 1) << "every turn, as long as nobody calls the connection metered";
+  sync.metered().setDesktopSays(true);
+  EXPECT_TRUE(sync.metered().isMetered());
+  ASSERT_TRUE(here.add(Vessel{.id = Uuid::random(), .name = "M/Y Meridian"}));
+  sync.periodicSync();
+  EXPECT_EQ(fullRuns(), atFirst + 1);
+  EXPECT_EQ(here.model->dirtyCount(), 0) << "what was changed here went up all the same";
+  finished(here.timing.wait(std::chrono::minutes(59)));
+  sync.periodicSync();
+  EXPECT_EQ(fullRuns(), atFirst + 1);
+  finished(here.timing.wait(std::chrono::minutes(1)));
+  sync.periodicSync();
+  EXPECT_EQ(fullRuns(), atFirst + 2);
+  sync.fullSync();
+  EXPECT_EQ(fullRuns(), atFirst + 3) << "asked for by a person, at any time";
+
+  sync.metered().setChoice(MeteredChoice::off);
+  sync.periodicSync();
+  EXPECT_EQ(fullRuns(), atFirst + 4) << "the person knows better than the desktop";
+  sync.metered().setChoice(MeteredChoice::on);
+  sync.metered().setDesktopSays(false);
+  EXPECT_EQ(MeteredConnection(*here.cache).choice(), MeteredChoice::on) << "kept for the next start";
+  sync.periodicSync();
+  EXPECT_EQ(fullRuns(), atFirst + 4);
+}
+
+TEST(SyncRuns, ClearTheDemoFlagThatASignInHasLeft) {
+  Computer here;
+  ASSERT_TRUE(here.signUp("captain"));
+  Preferences(*here.cache).setText(preference_keys::lastFleet, "demo");
+  EXPECT_EQ(here.sync(), SyncOutcome::complete) << "the flag holds up nothing";
+  EXPECT_THAT(here.said(), Contains("⚠️ stale demo-mode flag found on an authenticated session — clearing it"));
+  EXPECT_FALSE(here.cache->preference(preference_keys::lastFleet));
+}
+
+TEST(SyncRuns, AskAgainForMembersThatCouldNotBeSaved) {
+  Computer captain;
+  ASSERT_TRUE(captain.signUp("captain"));
+  ASSERT_TRUE(sharedBackend().setPlan(captain.model->accountID(), "fleet"));
+  ASSERT_EQ(captain.sync(), SyncOutcome::complete);
+  Computer second;
+  ASSERT_TRUE(second.signIn(captain.email, Computer::kPassword));
+  ASSERT_TRUE(
+      finished(captain.cloud->invite(QStringLiteral("mate@example.com"), QStringLiteral("Mate"), TeamRole::editor)));
+  {
+    const FullDisk full(0);
+    second.model->add(Vessel{.id = Uuid::random(), .name = "M/Y Meridian"});
+    finished(nextChange(second.model.get()));
+    ASSERT_FALSE(second.model->saveProblem().empty());
+    EXPECT_EQ(second.sync(), SyncOutcome::incomplete);
+    EXPECT_EQ(second.model->accountMembers().size(), 1) << "nothing is taken in that might be lost";
+  }
+  second.model->retrySaving();
+  while (second.model->unsavedCount() > 0) finished(nextChange(second.model.get()));
+  ASSERT_EQ(second.sync(), SyncOutcome::complete);
+  second.model->reloadNow(second.model->prefix());
+  EXPECT_EQ(second.model->accountMembers().size(), 2);
+}
+
+TEST(SyncRuns, GoOnWithALongTableWhereTheyWereCutOff) {
+  Computer first;
+  ASSERT_TRUE(first.signUp("captain"));
+  constexpr int kVessels = 40;  // six pages
+  for (int i = 0; i < kVessels; ++i)
+    first.model->add(Vessel{.id = Uuid::random(), .name = "Tender " + std::to_string(i)});
+  ASSERT_EQ(first.sync(), SyncOutcome::complete) << first.problems();
+
+  const TableQuery vessels = TableQuery("vessels").eq("account_id", first.model->accountID());
+  const auto partial = std::make_shared<PartialDownload>();
+  RunToken token;
+  int pages = 0;
+  const auto take = [&](QByteArray rows) -> QCoro::Task<int> {
+    return countFresh(std::move(rows), partial->seen, &pages, &token);
+  };
+  SupabaseClient* client = &first.cloud->client();
+  const auto cut = finished(readTable(client, vessels, "name.asc", take, token, "id.asc", partial));
+  ASSERT_TRUE(cut);
+  EXPECT_FALSE(cut->complete);
+  const int before = std::exchange(pages, 100);
+  token = RunToken();
+  const auto whole = finished(readTable(client, vessels, "name.asc", take, token, "id.asc", partial));
+  ASSERT_TRUE(whole);
+  EXPECT_TRUE(whole->complete);
+  EXPECT_EQ(whole->rows, kVessels);
+  EXPECT_EQ(before, kCutAfter);
+  EXPECT_LE(pages - 100, 6 - (kCutAfter - 2)) << "the pages taken before the cut are not asked for again";
+}
+
+TEST(SyncRuns, PassOverWhatCannotBeReadAndHoldBackNothingElse) {
+  Computer here;
+  ASSERT_TRUE(here.signIn());
   const Vessel vessel{.id = Uuid::random(), .name = "M/Y Meridian"};
-  model->add(vessel);
+  here.model->add(vessel);
   VoyagePlan plan;
   plan.id = Uuid::random();
   plan.vesselID = vessel.id;
   plan.planName = "Good";
-  model->add(plan);
+  here.model->add(plan);
   // The server refuses what hangs on a vessel that it does not have, by name, and takes the others.
   const ServiceLog refused{.id = Uuid::random(), .vesselID = Uuid::random(), .taskTitle = "Adrift"};
-  model->add(refused);
+  here.model->add(refused);
   const ServiceLog fine{.id = Uuid::random(), .vesselID = vessel.id, .taskTitle = "Fine"};
-  model->add(fine);
-  finished(cloud->sync().syncAll());
-  EXPECT_EQ(model->dirtyCount(), 1);
-  EXPECT_THAT(cloud->sync().problems(), Contains(testing::Field(&SyncProblem::record, "Adrift")));
+  here.model->add(fine);
+  finished(here.cloud->sync().syncAll());
+  EXPECT_EQ(here.model->dirtyCount(), 1);
+  EXPECT_THAT(here.cloud->sync().problems(), Contains(testing::Field(&SyncProblem::record, "Adrift")));
 
-  ASSERT_TRUE(backend().execute(
+  ASSERT_TRUE(sharedBackend().execute(
       QStringLiteral("insert into public.voyage_plans(id, user_id, account_id, vessel_id, plan_name, date_created, "
                      "plan_json) values (gen_random_uuid(), '%1', '%2', '%3', 'Broken', now(), 'no JSON')")
-          .arg(cloud->userID(), QString::fromStdString(model->accountID()),
+          .arg(here.cloud->userID(), QString::fromStdString(here.model->accountID()),
                QString::fromStdString(vessel.id.toString()))));
-  finished(cloud->sync().syncAll());
-  EXPECT_THAT(said(), Contains("❌ VoyagePlan JSON decode FAILED for 'Broken'"));
-  EXPECT_THAT(said(), Contains("   Raw payload (first 300 chars): no JSON"));
-  EXPECT_TRUE(model->voyagePlans().find(plan.id)) << "the others still load";
+  finished(here.cloud->sync().syncAll());
+  EXPECT_THAT(here.said(), Contains("❌ VoyagePlan JSON decode FAILED for 'Broken'"));
+  EXPECT_THAT(here.said(), Contains("   Raw payload (first 300 chars): no JSON"));
+  EXPECT_TRUE(here.model->voyagePlans().find(plan.id)) << "the others still load";
 
-  const std::string token = cache->preference("sb_access_token").value_or("");
+  const std::string token = here.cache->preference("sb_access_token").value_or("");
   ASSERT_FALSE(token.empty());
-  for (const std::string& line : said()) EXPECT_THAT(line, Not(HasSubstr(token)));
+  for (const std::string& line : here.said()) EXPECT_THAT(line, Not(HasSubstr(token)));
 }
 
 }  // namespace

@@ -285,7 +285,9 @@ void AccountController::followLink(const QString& link) {
 }
 
 void AccountController::requestSignOut() {
-  const int waiting = ownFleetInView() ? model().dirtyCount() + model().unsavedCount() : 0;
+  const int waiting = ownFleetInView() ? model().dirtyCount() + model().unsavedCount() +
+                                             cloud_->files().waitingCount() + cloud_->files().failedCount()
+                                       : 0;
   if (waiting == 0) {
     signOut();
     return;

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <ranges>
 
+#include "app/choice_list.h"
 #include "app/format.h"
 #include "app/save_outcome.h"
 #include "app/text.h"
 #include "sync/conflicts.h"
+#include "sync/file_words.h"
 #include "sync/settings_step.h"
 
 namespace thalvorn::app {
@@ -62,8 +64,10 @@ SyncController::SyncController(AppViewModel& model, CloudSession* cloud, AppCont
   connect(&events, &CollectionEvents::removed, this, refresh);
   connect(cloud_, &CloudSession::changed, this, refresh);
   connect(&cloud_->sync(), &SyncManager::stateChanged, this, refresh);
+  connect(&cloud_->files(), &FileSync::changed, this, refresh);
   connect(&cloud_->sync(), &SyncManager::messageForUser, this,
           [this](const QString& text) { app_.toast(text, QStringLiteral("soon")); });
+  connect(&cloud_->sync().metered(), &MeteredConnection::changed, this, &SyncController::meteredChanged);
   connect(&cloud_->log(), &SyncLog::added, this, [this] {
     if (watched_ && !lines_.isActive()) lines_.start();
   });
@@ -81,7 +85,7 @@ QString SyncController::state() const {
   if (cloud_->needsSignIn()) return QStringLiteral("signIn");
   if (sync.isSyncing()) return QStringLiteral("syncing");
   if (sync.isOffline()) return QStringLiteral("offline");
-  if (!sync.problems().empty()) return QStringLiteral("problem");
+  if (!sync.problems().empty() || cloud_->files().failedCount() > 0) return QStringLiteral("problem");
   return waitingCount() > 0 ? QStringLiteral("waiting") : QStringLiteral("current");
 }
 
@@ -109,6 +113,8 @@ QString SyncController::detail() const {
                "The fleet server cannot be reached. Everything works, and the exchange goes on when the "
                "connection is back.") +
            held;
+  if (now == u"problem" && cloud_->sync().problems().empty())
+    return QStringLiteral("A photo or paper could not be sent. Below stands why.");
   if (now == u"problem") return QStringLiteral("The last run could not do everything. What is missing is tried again.");
   if (now == u"waiting") return QStringLiteral("%1 made here will be sent in a moment.").arg(changesCounted(waiting));
   return now.isEmpty() ? QString() : QStringLiteral("This computer and the fleet server hold the same.");
@@ -126,12 +132,35 @@ QString SyncController::running() const {
   return table.empty() ? QStringLiteral("Asking what has changed…") : nameOfTable(table) + QStringLiteral("…");
 }
 
-int SyncController::waitingCount() const { return shown() ? model_.dirtyCount() + settingsWaiting(model_) : 0; }
+int SyncController::waitingCount() const {
+  return shown() ? model_.dirtyCount() + settingsWaiting(model_) + cloud_->files().waitingCount() : 0;
+}
 
 int SyncController::openConflicts() const {
   if (!shown()) return 0;
   const auto& notes = model_.conflicts().records();
   return static_cast<int>(std::ranges::count(notes, false, &ConflictNote::settled));
+}
+
+QString SyncController::metered() const {
+  return toQt(rawText(cloud_ ? cloud_->sync().metered().choice() : MeteredChoice::automatic));
+}
+
+void SyncController::setMetered(const QString& choice) {
+  if (const auto chosen = caseFromRaw<MeteredChoice>(choice.toStdString()); chosen && cloud_)
+    cloud_->sync().metered().setChoice(*chosen);
+}
+
+QVariantList SyncController::meteredChoices() const { return choicesOf<MeteredChoice>(); }
+
+QString SyncController::meteredText() const {
+  const QString meaning = QStringLiteral(
+      "On a metered connection your changes are sent at once, and what others changed is fetched once an hour or by "
+      "“Sync Now”.");
+  if (!cloud_ || cloud_->sync().metered().choice() != MeteredChoice::automatic) return meaning;
+  return meaning + (cloud_->sync().metered().isMetered()
+                        ? QStringLiteral(" The desktop calls the present connection metered.")
+                        : QStringLiteral(" The desktop does not call the present connection metered."));
 }
 
 // ---- what stands behind it ----
@@ -154,7 +183,24 @@ QString SyncController::who(const std::string& userID) const {
   return QStringLiteral("Another member");
 }
 
+void SyncController::readFiles() {
+  files_.clear();
+  for (const FileTransfer& transfer : cloud_->files().transfers()) {
+    QString text = toQt(transfer.problem);
+    if (!transfer.isParked)
+      text = text.isEmpty() ? QStringLiteral("Waits to go up.") : text + QStringLiteral(" It is tried again.");
+    QString kind = toQt(fileKind(transfer.bucket));
+    if (transfer.isDeletion()) kind += QStringLiteral(" to be deleted");
+    files_.append(QVariantMap{{QStringLiteral("id"), toQt(transfer.id.toString())},
+                              {QStringLiteral("kind"), kind},
+                              {QStringLiteral("name"), toQt(transfer.name)},
+                              {QStringLiteral("failed"), transfer.isParked},
+                              {QStringLiteral("text"), text}});
+  }
+}
+
 void SyncController::readDetails() {
+  files_.clear();
   waiting_.clear();
   problems_.clear();
   conflicts_.clear();
@@ -167,6 +213,7 @@ void SyncController::readDetails() {
       add(capitalised(kind.plural), model_.dirtyCount(kind.suffix));
     });
     add(QStringLiteral("Settings"), settingsWaiting(model_));
+    readFiles();
     for (const SyncProblem& problem : cloud_->sync().problems()) {
       problems_.append(QVariantMap{{QStringLiteral("where"), nameOfTable(problem.table, !problem.record.empty())},
                                    {QStringLiteral("record"), toQt(problem.record)},
@@ -227,8 +274,18 @@ void SyncController::syncNow() {
   } else if (cloud_->needsSignIn()) {
     app_.toast(QStringLiteral("Sign in again first; what you changed here waits."), QStringLiteral("soon"));
   } else {
+    cloud_->files().retryAll();
     cloud_->sync().fullSync();
   }
+}
+
+void SyncController::retryFile(const QString& id) {
+  if (const auto read = Uuid::parse(id.toStdString()); read && cloud_) cloud_->files().retry(*read);
+}
+
+void SyncController::removeFile(const QString& id) {
+  if (const auto read = Uuid::parse(id.toStdString()); read && cloud_ && cloud_->files().discard(*read))
+    app_.toast(QStringLiteral("The file stays on this computer and is not sent."));
 }
 
 const ConflictNote* SyncController::find(const QString& id) const {

@@ -23,8 +23,12 @@ class SyncController : public QObject {
   Q_PROPERTY(QString running READ running NOTIFY changed)
   Q_PROPERTY(int waitingCount READ waitingCount NOTIFY changed)
   Q_PROPERTY(int openConflicts READ openConflicts NOTIFY changed)
+  Q_PROPERTY(QString metered READ metered WRITE setMetered NOTIFY meteredChanged)
+  Q_PROPERTY(QVariantList meteredChoices READ meteredChoices CONSTANT)
+  Q_PROPERTY(QString meteredText READ meteredText NOTIFY meteredChanged)
   Q_PROPERTY(bool watched READ watched WRITE setWatched NOTIFY changed)
   Q_PROPERTY(QVariantList waiting READ waiting NOTIFY detailsChanged)
+  Q_PROPERTY(QVariantList files READ files NOTIFY detailsChanged)
   Q_PROPERTY(QVariantList problems READ problems NOTIFY detailsChanged)
   Q_PROPERTY(QVariantList conflicts READ conflicts NOTIFY detailsChanged)
   Q_PROPERTY(QVariantList log READ log NOTIFY logChanged)
@@ -49,11 +53,20 @@ class SyncController : public QObject {
   int waitingCount() const;
   int openConflicts() const;
 
+  /// Whether the connection counts as paid by volume: "automatic" (as the desktop says), "on" or "off".
+  QString metered() const;
+  void setMetered(const QString& choice);
+  QVariantList meteredChoices() const;
+  /// What that comes to at the moment.
+  QString meteredText() const;
+
   /// The lists below are kept up to date only while a page shows them.
   bool watched() const { return watched_; }
   void setWatched(bool watched);
   /// What waits to be sent: {text, count}.
   QVariantList waiting() const { return waiting_; }
+  /// Photos and papers that have not gone up yet: {id, kind, name, failed, text}.
+  QVariantList files() const { return files_; }
   /// What the last run could not do: {where, record, text}.
   QVariantList problems() const { return problems_; }
   /// What two people changed at once and nobody has settled yet, newest first: {id, name, kind, deleted, kept, keptAt,
@@ -67,6 +80,9 @@ class SyncController : public QObject {
   /// Puts the other version of a conflict back in, or leaves the record as it is; either settles it.
   Q_INVOKABLE void takeBack(const QString& id);
   Q_INVOKABLE void keep(const QString& id);
+  /// Sends a file that could not go up again, or gives it up; it stays on this computer.
+  Q_INVOKABLE void retryFile(const QString& id);
+  Q_INVOKABLE void removeFile(const QString& id);
   /// The log as plain text.
   Q_INVOKABLE QString logText() const;
 
@@ -74,12 +90,14 @@ class SyncController : public QObject {
   void changed();
   void detailsChanged();
   void logChanged();
+  void meteredChanged();
 
  private:
   void readDetails();
   void readLog();
   QString who(const std::string& userID) const;
   const ConflictNote* find(const QString& id) const;
+  void readFiles();
   void settle(Edit edit, const QString& told);
 
   AppViewModel& model_;
@@ -87,6 +105,7 @@ class SyncController : public QObject {
   AppController& app_;
   bool watched_ = false;
   QVariantList waiting_;
+  QVariantList files_;
   QVariantList problems_;
   QVariantList conflicts_;
   QVariantList log_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "app/choice_list.h"
 #include "app/text.h"
 
 namespace thalvorn::app {
@@ -14,14 +15,6 @@ constexpr std::array<std::string_view, EnumTexts<TeamRole>::table.size()> kRoleD
     "Reads and changes everything, and manages the team: invites, sets roles, removes.",
     "Reads and changes all records. Does not see or change the team.",
     "Reads all records and acknowledges posts on the crew board. Changes nothing else."};
-
-template <class E>
-QVariantList choices() {
-  QVariantList list;
-  for (const EnumText& entry : EnumTexts<E>::table)
-    list.append(QVariantMap{{QStringLiteral("value"), toQt(entry.raw)}, {QStringLiteral("text"), toQt(entry.display)}});
-  return list;
-}
 
 }  // namespace
 
@@ -104,7 +97,7 @@ QVariantList TeamController::members() const {
 }
 
 QVariantList TeamController::roles() const {
-  QVariantList list = choices<TeamRole>();
+  QVariantList list = choicesOf<TeamRole>();
   std::ranges::transform(list, kRoleDetails, list.begin(), [](const QVariant& choice, std::string_view detail) {
     QVariantMap role = choice.toMap();
     role[QStringLiteral("detail")] = toQt(detail);
@@ -113,7 +106,7 @@ QVariantList TeamController::roles() const {
   return list;
 }
 
-QVariantList TeamController::accesses() const { return choices<ModuleAccess>(); }
+QVariantList TeamController::accesses() const { return choicesOf<ModuleAccess>(); }
 
 bool TeamController::hasLocalFleet() const {
   if (!open() || !model().rights(AppTabPermissionKey::tasks).write) return false;

@@ -109,6 +109,51 @@ Page {
             }
         }
 
+        Card {
+            visible: Sync.files.length > 0
+            title: "Photos and papers"
+            note: "· not sent yet"
+            Layout.fillWidth: true
+            Repeater {
+                model: Sync.files
+                delegate: RowLayout {
+                    required property var modelData
+                    readonly property string label: modelData.kind + (modelData.name ? " of “" + modelData.name + "”" : "")
+                    spacing: Theme.space3
+                    Layout.fillWidth: true
+                    Icon { name: modelData.failed ? "warning" : "cloud-arrow-up"; color: modelData.failed ? Theme.soon : Theme.mute; Layout.alignment: Qt.AlignTop }
+                    ColumnLayout {
+                        spacing: 1
+                        Layout.fillWidth: true
+                        AppText { text: label; variant: "medium"; Layout.fillWidth: true }
+                        AppText { text: modelData.text; color: Theme.mute; wrapMode: Text.Wrap; Layout.fillWidth: true }
+                    }
+                    SecondaryButton { text: "Try again"; tip: "Send the " + label + " now"; enabled: Sync.state !== "signIn"; onClicked: Sync.retryFile(modelData.id) }
+                    SecondaryButton {
+                        text: "Remove"
+                        tip: "Do not send the " + label
+                        onClicked: {
+                            removeFile.fileId = modelData.id;
+                            removeFile.ask("Do not send this file?", "The " + label + " stays on this computer. The others of the account will not see it.", "Remove");
+                        }
+                    }
+                }
+            }
+        }
+
+        Card {
+            title: "Connection"
+            Layout.fillWidth: true
+            ComboField {
+                label: "Metered connection"
+                options: Sync.meteredChoices
+                value: Sync.metered
+                hint: Sync.meteredText
+                onPicked: (value) => Sync.metered = value
+                Layout.fillWidth: true
+            }
+        }
+
         AppText { visible: Sync.conflicts.length > 0; text: "Conflicts"; variant: "subtitle"; Accessible.role: Accessible.Heading }
         Repeater {
             model: Sync.conflicts
@@ -155,4 +200,6 @@ Page {
             }
         }
     }
+
+    ConfirmDialog { id: removeFile; property string fileId; onConfirmed: Sync.removeFile(fileId) }
 }

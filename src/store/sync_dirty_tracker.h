@@ -19,7 +19,7 @@ struct UnsentMark {
 };
 
 /// Which records wait for upload, by entry and identity; derived from the journal, so that it outlives the program.
-class UnsentMarks {
+class SyncDirtyTracker {
  public:
   using OfEntry = std::unordered_map<Uuid, UnsentMark>;
 
@@ -38,10 +38,10 @@ class UnsentMarks {
   std::size_t records(std::string_view suffix) const;
   /// The same over all entries.
   std::size_t records() const;
-  void clear() { entries_.clear(); }
+  void clear() { sets_.clear(); }
 
  private:
-  std::map<std::string, OfEntry, std::less<>> entries_;
+  std::map<std::string, OfEntry, std::less<>> sets_;
 };
 
 }  // namespace thalvorn
