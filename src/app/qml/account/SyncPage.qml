@@ -118,23 +118,23 @@ Page {
                 model: Sync.files
                 delegate: RowLayout {
                     required property var modelData
-                    readonly property string label: modelData.kind + (modelData.name ? " of “" + modelData.name + "”" : "")
+                    readonly property string what: modelData.kind + (modelData.name ? " of “" + modelData.name + "”" : "")
                     spacing: Theme.space3
                     Layout.fillWidth: true
                     Icon { name: modelData.failed ? "warning" : "cloud-arrow-up"; color: modelData.failed ? Theme.soon : Theme.mute; Layout.alignment: Qt.AlignTop }
                     ColumnLayout {
                         spacing: 1
                         Layout.fillWidth: true
-                        AppText { text: label; variant: "medium"; Layout.fillWidth: true }
+                        AppText { text: what; variant: "medium"; Layout.fillWidth: true }
                         AppText { text: modelData.text; color: Theme.mute; wrapMode: Text.Wrap; Layout.fillWidth: true }
                     }
-                    SecondaryButton { text: "Try again"; tip: "Send the " + label + " now"; enabled: Sync.state !== "signIn"; onClicked: Sync.retryFile(modelData.id) }
+                    SecondaryButton { text: "Try again"; tip: "Send the " + what + " now"; enabled: Sync.state !== "signIn"; onClicked: Sync.retryFile(modelData.id) }
                     SecondaryButton {
                         text: "Remove"
-                        tip: "Do not send the " + label
+                        tip: "Do not send the " + what
                         onClicked: {
                             removeFile.fileId = modelData.id;
-                            removeFile.ask("Do not send this file?", "The " + label + " stays on this computer. The others of the account will not see it.", "Remove");
+                            removeFile.ask("Do not send this file?", "The " + what + " stays on this computer. The others of the account will not see it.", "Remove");
                         }
                     }
                 }
