@@ -32,10 +32,34 @@ Table logTable(Entries entries, bool litres, const ReportSetting& setting) {
   return table;
 }
 
+const ReportVessel* vesselWith(const Uuid& id, Vessels vessels) {
+  const auto found = std::ranges::find(vessels, id, [](const ReportVessel& one) { return one.vessel.id; });
+  return found != vessels.end() ? &*found : nullptr;
+}
+
+/// The calendar aboard the vessel.
+Calendar clockOf(const Uuid& vesselID, Vessels vessels, const Calendar& otherwise) {
+  const ReportVessel* vessel = vesselWith(vesselID, vessels);
+  return vessel != nullptr ? aboard(vessel->profile, otherwise) : otherwise;
+}
+
+/// The times of a table of several vessels by each one's clock; where the clocks differ, every time with its offset.
+void setTimesAboard(Table& table, Entries entries, Vessels vessels, const Calendar& otherwise) {
+  std::set<std::string> zones;
+  for (const ReportVessel& one : vessels) zones.insert(aboard(one.profile, otherwise).zoneName());
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const LocalTime time = clockOf(entries[i].vesselID, vessels, otherwise).local(entries[i].date);
+    Cell& cell = table.rows[i].cells.front();
+    cell.text = formatDateTime(time);
+    if (zones.size() > 1) cell.note = formatUtcOffset(time.utcOffset);
+  }
+}
+
 /// The offsets at which the entries' times stand: "UTC+2", "UTC+1 or UTC+2" where the clock was changed between them.
-std::string offsetsOf(Entries entries, const ReportSetting& setting) {
+std::string offsetsOf(Entries entries, Vessels vessels, const ReportSetting& setting) {
   std::set<std::chrono::seconds> offsets;
-  for (const ShipsLogEntry& entry : entries) offsets.insert(setting.calendar.local(entry.date).utcOffset);
+  for (const ShipsLogEntry& entry : entries)
+    offsets.insert(clockOf(entry.vesselID, vessels, setting.calendar).local(entry.date).utcOffset);
   if (entries.empty()) offsets.insert(setting.calendar.local(setting.now).utcOffset);
   std::string text;
   for (const auto offset : offsets) text += (text.empty() ? "" : " or ") + formatUtcOffset(offset);
@@ -54,7 +78,10 @@ Document logDocument(std::string title, Entries entries, Vessels vessels, std::s
   document.headNotes.push_back(orderText(entries));
 
   Table table = logTable(entries, totals.fuelLitres.has_value(), setting);
-  if (vessels.size() != 1) addVesselColumn(table, entries, vessels);
+  if (vessels.size() != 1) {
+    setTimesAboard(table, entries, vessels, setting.calendar);
+    addVesselColumn(table, entries, vessels);
+  }
   document.blocks.push_back(std::move(table));
   document.blocks.push_back(Summary{
       .lines = {{"Passages", fmt::format("{}", totals.passages)},
@@ -63,14 +90,8 @@ Document logDocument(std::string title, Entries entries, Vessels vessels, std::s
                 {"Total fuel", totals.fuelText()}},
       .remarks = fmt::format("Distance in nautical miles. Times are ship’s time, {}.\nEng Hrs is the reading of "
                              "engine 1; fuel is as entered in the log.",
-                             offsetsOf(entries, setting))});
+                             offsetsOf(entries, vessels, setting))});
   return document;
-}
-
-const ReportVessel* vesselOf(const ShipsLogEntry& entry, Vessels vessels) {
-  for (const ReportVessel& one : vessels)
-    if (one.vessel.id == entry.vesselID) return &one;
-  return nullptr;
 }
 
 std::vector<LabeledText> fieldsOf(const ShipsLogEntry& entry, const ReportSetting& setting) {
@@ -152,22 +173,28 @@ Document tripReports(Entries entries, Vessels vessels, const ReportSetting& sett
   // Each page block names its vessel itself where there are several.
   const bool several = vessels.size() != 1;
   const bool alone = entries.size() == 1;
-  if (alone) document.title = entryTitle(entries.front(), setting);
+  const auto settingOf = [&](const ShipsLogEntry& entry) {
+    ReportSetting own = setting;
+    own.calendar = clockOf(entry.vesselID, vessels, setting.calendar);
+    return own;
+  };
+  if (alone) document.title = entryTitle(entries.front(), settingOf(entries.front()));
   document.headNotes.push_back(orderText(entries));
   if (alone) document.headNotes.back() = routeText(entries.front());
   if (entries.empty()) document.blocks.push_back(Paragraph{"No entries"});
   for (const ShipsLogEntry& entry : entries) {
+    const ReportSetting own = settingOf(entry);
     if (!document.blocks.empty()) document.blocks.push_back(PageBreak{});
-    if (!alone) document.blocks.push_back(Heading{entryTitle(entry, setting), routeText(entry)});
+    if (!alone) document.blocks.push_back(Heading{entryTitle(entry, own), routeText(entry)});
     if (several) {
       std::vector<LabeledText> particulars;
-      if (const ReportVessel* vessel = vesselOf(entry, vessels)) {
+      if (const ReportVessel* vessel = vesselWith(entry.vesselID, vessels)) {
         particulars = labeled(particularsOf(vessel->profile, setting.numbers));
         particulars.insert(particulars.begin(), {"Vessel", vessel->vessel.name});
       }
       document.blocks.push_back(FieldGrid{std::move(particulars), 2});
     }
-    document.blocks.push_back(FieldGrid{fieldsOf(entry, setting), 2});
+    document.blocks.push_back(FieldGrid{fieldsOf(entry, own), 2});
     if (!entry.notes.empty()) {
       document.blocks.push_back(Heading{"Notes"});
       document.blocks.push_back(Paragraph{entry.notes});
@@ -177,7 +204,7 @@ Document tripReports(Entries entries, Vessels vessels, const ReportSetting& sett
     document.blocks.push_back(Heading{"Guest passenger manifest"});
     document.blocks.push_back(manifestTable(entry));
     document.blocks.push_back(Heading{"Trip Journal", journalCountText(entry)});
-    document.blocks.push_back(journalTable(entry, setting));
+    document.blocks.push_back(journalTable(entry, own));
     document.blocks.push_back(
         Signatures{{"Officer of the watch — name, signature, date", "Master — name, signature, date"}});
   }
@@ -185,15 +212,11 @@ Document tripReports(Entries entries, Vessels vessels, const ReportSetting& sett
 }
 
 std::string shipsLogCsv(Entries entries, Vessels vessels, const Calendar& calendar, const CsvFormat& format) {
-  return recordsCsv(entries, calendar,
-                    {.format = format,
-                     .vesselName = [vessels](const Uuid& id) { return std::string(vesselNameOf(id, vessels)); },
-                     .calendarAboard =
-                         [vessels, &calendar](const Uuid& id) {
-                           const auto found =
-                               std::ranges::find(vessels, id, [](const auto& one) { return one.vessel.id; });
-                           return found != vessels.end() ? aboard(found->profile, calendar) : calendar;
-                         }});
+  return recordsCsv(
+      entries, calendar,
+      {.format = format,
+       .vesselName = [vessels](const Uuid& id) { return std::string(vesselNameOf(id, vessels)); },
+       .calendarAboard = [vessels, &calendar](const Uuid& id) { return clockOf(id, vessels, calendar); }});
 }
 
 }  // namespace thalvorn

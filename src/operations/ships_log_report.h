@@ -7,8 +7,8 @@
 #include "core/report_basics.h"
 #include "operations/ships_log_register.h"
 
-/// The papers of the ship's log. Entries stand in the order given; `vessels` are those the report was asked for, and
-/// hold the vessel of every entry.
+/// The papers of the ship's log. Entries stand in the order given, their times by the clock aboard each one's vessel;
+/// `vessels` are those the report was asked for, and hold the vessel of every entry.
 namespace thalvorn {
 
 /// The log of one vessel as a table, with its sums and lines to sign; its file is "<vessel> Ships Log".

@@ -133,6 +133,16 @@ TEST(ShipsLogPaper, ASearchNamesTheVesselOfEachEntry) {
   EXPECT_TRUE(read.problems.empty() && read.ignoredColumns.empty());
 }
 
+TEST(ShipsLogPaper, TimesStandByTheClockAboardEachVessel) {
+  std::vector<ReportVessel> vessels{vesselNamed("M/Y Meridian"), vesselNamed("S/Y Aurora")};
+  vessels[1].profile.timeZone = "America/New_York";
+  const std::vector<ShipsLogEntry> entries{fullEntry(vessels[1]), fullEntry(vessels[0])};
+  const std::string search = oneBlank(printedText(shipsLogSearchExport(entries, vessels, {}, setting())));
+  expectInOrder(search, {"02:05 S/Y Aurora", "UTC−4", "08:05 M/Y", "UTC+2", "ship’s time, UTC−4 or UTC+2."});
+  expectInOrder(oneBlank(printedText(tripReports(entries, vessels, setting()))),
+                {"1 Jun 2026 02:05 UTC−4", "1 Jun 2026 08:00", "1 Jun 2026 08:05 UTC+2", "1 Jun 2026 14:00"});
+}
+
 TEST(ShipsLogPaper, TripReportsPrintEveryFieldOfEveryEntryOnItsOwnPage) {
   const std::vector<ReportVessel> vessels{vesselNamed("M/Y Meridian"), vesselNamed("S/Y Aurora")};
   std::vector<ShipsLogEntry> entries{fullEntry(vessels[0]), {.id = Uuid::random(), .vesselID = vessels[1].vessel.id}};
