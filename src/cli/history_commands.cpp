@@ -11,9 +11,9 @@
 #include "cli/commands.h"
 #include "cli/history_query.h"
 #include "cli/json_text.h"
+#include "cli/period.h"
 #include "cli/store_use.h"
 #include "cli/text_table.h"
-#include "cli/values.h"
 
 namespace thalvorn::cli {
 
@@ -23,17 +23,9 @@ bool HistoryQuery::takes(const ServiceLog& log) const {
 }
 
 std::expected<HistoryQuery, CommandResult> historyQuery(const CommandContext& context, const Arguments& arguments) {
-  HistoryQuery query;
-  if (const auto from = arguments.value("--from")) {
-    const auto moment = readMoment(*from, context.calendar);
-    if (!moment) return std::unexpected(misused(moment.error()));
-    query.from = *moment;
-  }
-  if (const auto to = arguments.value("--to")) {
-    const auto moment = readPeriodEnd(*to, context.calendar);
-    if (!moment) return std::unexpected(misused(moment.error()));
-    query.to = *moment;
-  }
+  const auto period = readPeriod(context, arguments);
+  if (!period) return std::unexpected(period.error());
+  HistoryQuery query{.vesselID = {}, .taskID = {}, .from = period->first, .to = period->last};
   const auto vessel = vesselOption(*context.store, arguments);
   if (!vessel) return std::unexpected(vessel.error());
   if (*vessel != nullptr) query.vesselID = (*vessel)->id;

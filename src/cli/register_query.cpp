@@ -3,7 +3,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "cli/values.h"
+#include "base/search_text.h"
+#include "cli/period.h"
 
 namespace thalvorn::cli {
 namespace {
@@ -22,18 +23,12 @@ std::expected<std::string, CommandResult> caseNamed(std::string_view written, co
 }  // namespace
 
 std::expected<RegisterQuery, CommandResult> commonQuery(const CommandContext& context, const Arguments& arguments) {
+  const auto period = readPeriod(context, arguments);
+  if (!period) return std::unexpected(period.error());
   RegisterQuery query{.search = arguments.value("--search").value_or(""),
+                      .from = period->first,
                       .descending = !arguments.has("--oldest-first")};
-  if (const auto from = arguments.value("--from")) {
-    const auto moment = readMoment(*from, context.calendar);
-    if (!moment) return std::unexpected(misused(moment.error()));
-    query.from = *moment;
-  }
-  if (const auto to = arguments.value("--to")) {
-    const auto moment = readPeriodEnd(*to, context.calendar);
-    if (!moment) return std::unexpected(misused(moment.error()));
-    query.until = *moment + std::chrono::seconds(1);
-  }
+  if (period->last) query.until = *period->last + std::chrono::seconds(1);
   return query;
 }
 

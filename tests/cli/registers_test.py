@@ -68,6 +68,7 @@ class RegisterReportTest(CliTest):
                                     (["ship-log", "--detailed"], 2, "service-history"),
                                     (["ship-log", "--filter", "notes=x"], 2, "seaState, weather, skipper"),
                                     (["ship-log", "--from", "May"], 2, "is not a time"),
+                                    (["ship-log", "--from", "2026-06-02", "--to", "2026-06-01"], 2, "after --to"),
                                     (["ship-log", "--id", "x"], 1, "is not an identifier"),
                                     (["ship-log", "--id", self.taken["id"]], 1, "There is no log entry")]:
             self.fails(status, "report", *words, *([] if says == "--pdf FILE" else ["--pdf", "x.pdf"]), says=says)
