@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <optional>
 #include <span>
 #include <vector>
 
@@ -25,16 +24,5 @@ struct DatedAmount {
 /// The sums from the first month that has an amount to the last, earliest first, with 0 for the months between that
 /// have none. Months are those of the calendar; of more than `most` months the latest are kept.
 std::vector<MonthSum> monthSums(std::span<const DatedAmount> amounts, const Calendar& calendar, std::size_t most = 24);
-
-/// The same of a field of records; records without a value add nothing.
-template <class T, class Date, class Amount>
-std::vector<MonthSum> monthSums(std::span<const T> records, Date date, Amount amount, const Calendar& calendar,
-                                std::size_t most = 24) {
-  std::vector<DatedAmount> amounts;
-  amounts.reserve(records.size());
-  for (const T& record : records)
-    if (const std::optional<double> value = record.*amount) amounts.push_back({record.*date, *value});
-  return monthSums(amounts, calendar, most);
-}
 
 }  // namespace thalvorn

@@ -42,8 +42,4 @@ BunkeringTotals totalsOf(std::span<const BunkeringRecord> records) {
   return totals;
 }
 
-std::vector<MonthSum> fuelByMonth(std::span<const BunkeringRecord> records, const Calendar& calendar) {
-  return monthSums(records, &BunkeringRecord::date, &BunkeringRecord::quantityGallons, calendar);
-}
-
 }  // namespace thalvorn

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <optional>
 #include <span>
 #include <vector>
 
-#include "base/calendar.h"
 #include "core/currencies.h"
-#include "core/month_sums.h"
 #include "core/vessel.h"
 #include "core/vessel_profile.h"
 #include "operations/bunkering_record.h"
@@ -38,8 +35,5 @@ struct BunkeringTotals {
   bool hasOtherCurrencies() const;
 };
 BunkeringTotals totalsOf(std::span<const BunkeringRecord> records);
-
-/// US gallons by month, for charts.
-std::vector<MonthSum> fuelByMonth(std::span<const BunkeringRecord> records, const Calendar& calendar);
 
 }  // namespace thalvorn

@@ -102,12 +102,4 @@ std::string exportHeader(std::string_view vesselName, const ShipsLogTotals& tota
                      vesselName, totals.passages, totals.distanceNM, totals.hoursUnderway, totals.fuelText());
 }
 
-std::vector<MonthSum> milesByMonth(std::span<const ShipsLogEntry> entries, const Calendar& calendar) {
-  return monthSums(entries, &ShipsLogEntry::date, &ShipsLogEntry::distanceNM, calendar);
-}
-
-std::vector<MonthSum> fuelByMonth(std::span<const ShipsLogEntry> entries, const Calendar& calendar) {
-  return monthSums(entries, &ShipsLogEntry::date, &ShipsLogEntry::fuelUsedGallons, calendar);
-}
-
 }  // namespace thalvorn

@@ -7,8 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "base/calendar.h"
-#include "core/month_sums.h"
 #include "core/vessel.h"
 #include "operations/ships_log_entry.h"
 
@@ -16,7 +14,6 @@
 namespace thalvorn {
 
 inline constexpr std::string_view kNoCrewOnRoster = "No crew on roster";
-inline constexpr std::string_view kNoGuests = "No guests added. Tap “Add Guest” to record the passenger manifest.";
 inline constexpr std::string_view kNoJournal = "No journal entries yet";
 
 /// A new entry as of now: the main meter's reading, the port where the vessel arrived last, and the captain, crew count
@@ -65,9 +62,5 @@ std::vector<ShipsLogStatistic> statistics(const ShipsLogTotals& totals);
 /// "Vessel: M/Y Meridian  ·  Passages: 12  ·  Total NM: 345  ·  Underway Hrs: 67.5  ·  Fuel Used: 1234 gal", the line
 /// that heads an export.
 std::string exportHeader(std::string_view vesselName, const ShipsLogTotals& totals);
-
-/// Miles and US gallons by month, for charts.
-std::vector<MonthSum> milesByMonth(std::span<const ShipsLogEntry> entries, const Calendar& calendar);
-std::vector<MonthSum> fuelByMonth(std::span<const ShipsLogEntry> entries, const Calendar& calendar);
 
 }  // namespace thalvorn

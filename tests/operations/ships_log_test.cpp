@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/month_sums.h"
 #include "operations/ships_log_register.h"
 
 namespace thalvorn {
@@ -42,21 +43,18 @@ TEST(ShipsLog, EntriesWithoutAValueCountAsPassagesAndAddNothing) {
 
 TEST(ShipsLog, SumsByMonthFollowTheCalendarAndHaveNoGaps) {
   const Calendar rome = Calendar::inZone("Europe/Rome").value();
-  const std::vector<ShipsLogEntry> log{passage("2026-01-31T23:30:00Z", 10, 1), passage("2026-04-30T21:00:00Z", 5, {}),
-                                       passage("2026-02-10", 7, 2), passage("2026-05-01", {}, 9)};
+  const std::vector<DatedAmount> miles{
+      {at("2026-01-31T23:30:00Z"), 10}, {at("2026-04-30T21:00:00Z"), 5}, {at("2026-02-10"), 7}};
   using namespace std::chrono;
-  EXPECT_EQ(milesByMonth(log, rome),
+  EXPECT_EQ(monthSums(miles, rome),
             (std::vector<MonthSum>{{2026y / February, 17}, {2026y / March, 0}, {2026y / April, 5}}));
-  EXPECT_EQ(
-      fuelByMonth(log, Calendar::utc()),
-      (std::vector<MonthSum>{
-          {2026y / January, 1}, {2026y / February, 2}, {2026y / March, 0}, {2026y / April, 0}, {2026y / May, 9}}));
+  EXPECT_EQ(monthSums(miles, Calendar::utc()).front(), (MonthSum{2026y / January, 10}));
   const std::vector<DatedAmount> farApart{{at("1950-01-01"), 3}, {at("2026-05-01"), 4}};
   const auto latest = monthSums(farApart, rome, 3);
   ASSERT_EQ(latest.size(), 3U);
   EXPECT_EQ(latest.back(), (MonthSum{2026y / May, 4}));
   EXPECT_EQ(latest.front(), (MonthSum{2026y / March, 0}));
-  EXPECT_TRUE(milesByMonth({}, rome).empty());
+  EXPECT_TRUE(monthSums({}, rome).empty());
 }
 
 TEST(ShipsLog, ANewEntryBeginsWhereTheLastOneEnded) {
