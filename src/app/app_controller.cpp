@@ -244,10 +244,14 @@ void AppController::post(const QString& name) {
 }
 
 void AppController::openSheet(const QString& source, const QVariantMap& properties) {
-  // A form belongs to the pages of its folder, else to the page in view.
-  const QString folder = source.section(u'/', 0, 0) + u'/';
-  const auto owner = std::ranges::find_if(
-      pageTable(), [&](const PageEntry& page) { return page.module && QStringView(page.source).startsWith(folder); });
+  // A form belongs to the page of its name, else to the pages of its folder, else to the page in view.
+  const auto pageWith = [](const QString& beginning) {
+    return std::ranges::find_if(pageTable(), [&](const PageEntry& page) {
+      return page.module && QStringView(page.source).startsWith(beginning);
+    });
+  };
+  auto owner = pageWith(QString(source).replace(QStringLiteral("Sheet.qml"), QStringLiteral("Page.qml")));
+  if (owner == pageTable().end()) owner = pageWith(source.section(u'/', 0, 0) + u'/');
   const bool barred = owner == pageTable().end() ? readOnly() && !source.startsWith(u"account/")
                                                  : access_.readOnly.contains(text(owner->id));
   if (barred) {

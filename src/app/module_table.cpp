@@ -30,7 +30,7 @@ constexpr std::array kPages = std::to_array<PageEntry>({
      AppTabPermissionKey::tasks},
     {u"shipsLogSearch", u"Search and export past trips", u"magnifying-glass", nullptr,
      u"registers/ShipsLogSearchPage.qml", AppTabPermissionKey::shipslog},
-    {u"report", u"Report", u"file-text", nullptr, u"reports/ReportPage.qml", AppTabPermissionKey::tasks},
+    {u"report", u"Report", u"file-text", nullptr, u"reports/ReportPage.qml"},
     {u"sync", u"Sync", u"arrows-clockwise", nullptr, u"account/SyncPage.qml"},
     {u"gallery", u"Component gallery", u"squares-four", nullptr, u"shell/GalleryPage.qml"},
 });

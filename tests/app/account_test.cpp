@@ -257,6 +257,16 @@ TEST_F(AtSea, ARoleClosesPagesAndStopsWhatWouldChangeRecords) {
   EXPECT_FALSE(lines.contains(QStringLiteral("openTemplateLibrary")));
   EXPECT_FALSE(lines.contains(QStringLiteral("openHoursEditor")));
   EXPECT_TRUE(lines.contains(QStringLiteral("openManageAccount")));
+  EXPECT_FALSE(app_.isClosed(QStringLiteral("report"))) << "registers print there too";
+
+  AccountMember engineer = own(TeamRole::editor);
+  engineer.moduleOverrides[AppTabPermissionKey::shipslog] = ModuleAccess::readOnly;
+  team({engineer});
+  take();
+  app_.openSheet(QStringLiteral("registers/ShipsLogSheet.qml"));
+  EXPECT_EQ(sheets.count(), 1);
+  app_.openSheet(QStringLiteral("registers/BunkeringSheet.qml"));
+  EXPECT_EQ(sheets.count(), 2) << "a form goes by the rights of its own page";
 
   session_->openFleetNow(std::string(AppViewModel::demoPrefix));
   take();
