@@ -64,6 +64,7 @@ ReportDesk::ReportDesk(AppViewModel& store, const AttachmentStore& attachments, 
     }
     show({{QStringLiteral("report"), report_}});
   });
+  connect(&store_, &AppViewModel::prefixChanged, this, &ReportDesk::forget);
 }
 
 // ---- which report ----
@@ -105,8 +106,8 @@ void ReportDesk::cancel() {
 QString ReportDesk::title() const {
   if (ordered()) return order_.title;
   if (report_ == workListName()) return QStringLiteral("Work list");
-  return report_ == historyName(true) ? QStringLiteral("Service History (Detailed)")
-                                      : QStringLiteral("Service History");
+  if (report_ == historyName(true)) return QStringLiteral("Service History (Detailed)");
+  return report_ == historyName(false) ? QStringLiteral("Service History") : QStringLiteral("Report");
 }
 
 const Vessel* ReportDesk::vessel() const { return vessel_ ? store_.vessels().find(*vessel_) : nullptr; }
@@ -128,10 +129,8 @@ void ReportDesk::setPaper(const QString& paper) {
 
 ReportSetting ReportDesk::setting(const std::optional<Uuid>& vessel) const {
   const VesselProfile* profile = vessel ? store_.profileOf(*vessel) : nullptr;
-  const auto aboard =
-      !profile || profile->timeZone.empty() ? std::unexpected(std::string()) : Calendar::inZone(profile->timeZone);
   return {.now = store_.now(),
-          .calendar = aboard ? *aboard : store_.calendar(),
+          .calendar = profile ? aboard(*profile, store_.calendar()) : store_.calendar(),
           .numbers = format_.numbers(),
           .paper = paper() == u"letter" ? PaperSize::letter : PaperSize::a4,
           .litres = format_.metric()};
@@ -167,12 +166,31 @@ DocumentMaker ReportDesk::documentMaker() const {
   };
 }
 
+QString ReportDesk::obstacle() const {
+  if (ordered()) return {};
+  if (report_ != workListName() && report_ != historyName(false) && report_ != historyName(true))
+    return QStringLiteral("This report is not at hand any more. Open it again from its own page.");
+  if (!store_.rights(AppTabPermissionKey::tasks).read)
+    return QStringLiteral("Your role in this account does not include the tasks.");
+  return vessel() ? QString() : QStringLiteral("Add a vessel first: reports belong to one.");
+}
+
+void ReportDesk::forget() {
+  if (report_.isEmpty()) return;
+  order_ = {};
+  printed_.reset();
+  savedFile_.clear();
+  // An order that is gone cannot be made again; the other reports show the fleet that is open now.
+  show({{QStringLiteral("report"), report_}});
+}
+
 void ReportDesk::make() {
   pages_ = {};
   error_.clear();
-  if (!ordered() && !vessel()) {
+  if (const QString why = obstacle(); !why.isEmpty()) {
+    renderer_.cancel();
     number_ = 0;
-    fail(QStringLiteral("Add a vessel first: reports belong to one."));
+    fail(why);
     Q_EMIT pagesChanged();
     return;
   }
@@ -244,8 +262,8 @@ std::string ReportDesk::workListText(const TaskQuery& query, const Vessel& vesse
 
 std::string ReportDesk::csvText() const {
   if (ordered()) return order_.csv ? order_.csv(setting(order_.vessel), csvFormat(preferences_)) : std::string();
+  if (!obstacle().isEmpty()) return {};
   const Vessel* shown = vessel();
-  if (!shown) return {};
   if (report_ == workListName()) return workListText(tasks_, *shown);
   return serviceHistoryCsv(history_.servicesOf(shown->id), setting(shown->id).calendar, csvFormat(preferences_));
 }

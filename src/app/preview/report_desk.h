@@ -118,6 +118,10 @@ class ReportDesk : public QObject {
 
  private:
   void make();
+  /// Why the report that is asked for cannot be made; empty when it can.
+  QString obstacle() const;
+  /// Another fleet is open: nothing of the one before stays in view.
+  void forget();
   DocumentMaker documentMaker() const;
   bool ordered() const { return !order_.id.isEmpty() && report_ == order_.id; }
   std::string workListText(const TaskQuery& query, const Vessel& vessel) const;
