@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "app/fleet_controller.h"
 #include "app/registers/bunkering_controller.h"
 #include "app/registers/ships_log_controller.h"
 #include "app/window.h"
@@ -104,6 +105,65 @@ TEST_F(RegisterPages, WhatWasEnteredSurvivesAFormThatWasTornDown) {
   EXPECT_FALSE(sheet->restored()) << "a form that was left on purpose leaves no draft";
 }
 
+TEST_F(RegisterPages, ADraftKeepsWhatOthersChangedInTheRecordMeanwhile) {
+  auto* log = of<ShipsLogController>("shipsLog");
+  app().open(QStringLiteral("shipsLog"));
+  settle();
+  const QString id = firstId(log->model());
+  const auto open = [&] { return std::unique_ptr<RecordSheet>(qobject_cast<RecordSheet*>(log->sheet(id))); };
+  const auto form = [](RecordSheet& sheet) { return qobject_cast<RecordForm*>(sheet.formObject()); };
+  form(*open())->setText(QStringLiteral("notes"), QStringLiteral("Fouled anchor"));
+  const qsizetype lines = log->detail(id).value(QStringLiteral("journal")).toList().size();
+  ASSERT_TRUE(log->addJournalLine(id, QStringLiteral("Engine"), {}, QStringLiteral("Both astern")));
+  const auto sheet = open();
+  EXPECT_TRUE(sheet->restored());
+  EXPECT_TRUE(sheet->save());
+  EXPECT_EQ(value(log->detail(id), QStringLiteral("notes")), QStringLiteral("Fouled anchor"));
+  EXPECT_EQ(log->detail(id).value(QStringLiteral("journal")).toList().size(), lines + 1);
+}
+
+TEST_F(RegisterPages, FiltersStayWhereWhatWasAddedPassesThem) {
+  auto* bunkering = of<BunkeringController>("bunkering");
+  app().open(QStringLiteral("bunkering"));
+  settle();
+  RegisterModel* list = bunkering->model();
+  const auto add = [&](const QString& fuel) {
+    const std::unique_ptr<RecordSheet> sheet(qobject_cast<RecordSheet*>(bunkering->sheet({})));
+    auto* form = qobject_cast<RecordForm*>(sheet->formObject());
+    form->setText(QStringLiteral("fuelType"), fuel);
+    form->setText(QStringLiteral("quantityGallons"), QStringLiteral("100"));
+    EXPECT_TRUE(sheet->save());
+    settle();
+  };
+  list->narrow(QStringLiteral("fuelType"), {QStringLiteral("LNG")});
+  add(QStringLiteral("LNG"));
+  EXPECT_TRUE(list->filtered());
+  EXPECT_EQ(list->count(), 1);
+  add(QStringLiteral("HFO"));
+  EXPECT_FALSE(list->filtered()) << "what was just added has to be seen";
+}
+
+TEST_F(RegisterPages, APaperStaysThatOfItsVessel) {
+  auto* log = of<ShipsLogController>("shipsLog");
+  auto* reports = qobject_cast<ReportDesk*>(controller("Reports"));
+  auto* fleet = qobject_cast<FleetController*>(controller("Fleet"));
+  const QString first = fleet->selectedVesselId();
+  app().open(QStringLiteral("shipsLog"));
+  settle();
+  log->print(QStringLiteral("log"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return reports->pageCount() > 0; }));
+  const QString name = reports->fileName(QStringLiteral("pdf"));
+  app().back();
+  settle();
+  for (const Vessel& vessel : composition_->store().vessels().records())
+    if (const QString id = QString::fromStdString(vessel.id.toString()); id != first) fleet->selectVessel(id);
+  ASSERT_NE(fleet->selectedVesselId(), first);
+  reports->show({{QStringLiteral("report"), QStringLiteral("shipsLog.log")}});
+  ASSERT_TRUE(QTest::qWaitFor([&] { return reports->pageCount() > 0; }));
+  EXPECT_EQ(reports->fileName(QStringLiteral("pdf")), name);
+  fleet->selectVessel(first);
+}
+
 TEST_F(RegisterPages, TheFleetsPassagesAreNarrowedChosenAndExported) {
   auto* search = of<ShipsLogController>("shipsLogSearch");
   ASSERT_TRUE(search);
@@ -169,6 +229,8 @@ TEST_F(RegisterPages, TickedRecordsAreDeletedTogetherAndComeBackTogether) {
   bunkering->removeChosen();
   EXPECT_EQ(list->count(), before - 2);
   EXPECT_EQ(list->chosenCount(), 0);
+  bunkering->removeChosen();
+  EXPECT_EQ(list->count(), before - 2) << "without ticks nothing is deleted";
   press(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_TRUE(QTest::qWaitFor([&] { return list->count() == before; }));
 }

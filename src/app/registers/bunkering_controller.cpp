@@ -88,15 +88,15 @@ std::vector<RegisterPaper> BunkeringController::papers() const {
           {QStringLiteral("record"), QStringLiteral("Bunkering Record"), QStringLiteral("Print this record…"), true}};
 }
 
-DocumentMaker BunkeringController::document(const QString& paper, std::vector<BunkeringRecord> records,
+DocumentMaker BunkeringController::document(const QString& paper, PaperContents<BunkeringRecord> contents,
                                             const ReportSetting& setting) const {
-  if (paper == u"record" && !records.empty()) {
-    return [record = records.front(), vessel = vesselAndProfile(records.front().vesselID), setting] {
+  if (paper == u"record" && !contents.records.empty()) {
+    return [record = contents.records.front(), vessel = std::move(contents.vessel), setting] {
       return bunkeringRecordReport(record, vessel, setting);
     };
   }
-  return [records = std::move(records), vessel = vesselAndProfile(vesselInView()), period = periodShown(), setting] {
-    return bunkeringReport(records, vessel, period, setting);
+  return [contents = std::move(contents), setting] {
+    return bunkeringReport(contents.records, contents.vessel, contents.period, setting);
   };
 }
 

@@ -28,7 +28,7 @@ class BunkeringController : public RegisterControllerOf<BunkeringRecord> {
   std::vector<RegisterFigure> figuresShown() const override;
   QVariantList chartsShown() const override;
   std::vector<RegisterPaper> papers() const override;
-  DocumentMaker document(const QString& paper, std::vector<BunkeringRecord> records,
+  DocumentMaker document(const QString& paper, PaperContents<BunkeringRecord> contents,
                          const ReportSetting& setting) const override;
   std::string spreadsheet(const std::vector<BunkeringRecord>& records, const ReportSetting& setting,
                           const CsvFormat& format) const override;

@@ -39,7 +39,7 @@ template <class T, class S>
 class SubRecordsOf : public SubRecords {
  public:
   /// Writes into the list `member` of the form's record.
-  SubRecordsOf(RecordFormOf<T>& parent, std::vector<S> T::*member, const Format& format)
+  SubRecordsOf(RecordFormOf<T>& parent, std::vector<S> T::* member, const Format& format)
       : SubRecords(&parent), parent_(parent), member_(member), format_(format) {
     read();
   }
@@ -92,7 +92,7 @@ class SubRecordsOf : public SubRecords {
   }
 
   RecordFormOf<T>& parent_;
-  std::vector<S> T::*member_;
+  std::vector<S> T::* member_;
   const Format& format_;
   std::vector<RecordFormOf<S>*> forms_;
 };
@@ -172,16 +172,7 @@ class RecordSheetOf : public RecordSheet {
       : RecordSheet(store, preferences, isNew, draftKey(store, record, isNew)),
         label_(std::move(label)),
         form_(std::move(record), format, this) {
-    if (const QString kept = keptDraft(); !kept.isEmpty()) {
-      if (auto draft = recordFromJson<T>(kept.toStdString())) {
-        // A new record keeps the identity it has now: the draft's may have been saved meanwhile.
-        draft->id = form_.original().id;
-        if (!(*draft == form_.original())) {
-          form_.edit([&](T& entered) { entered = *std::move(draft); });
-          setRestored();
-        }
-      }
-    }
+    restore(keptDraft());
     makeLists(format);
     connect(&form_, &RecordForm::changed, this, [this] { entered(); });
   }
@@ -205,13 +196,30 @@ class RecordSheetOf : public RecordSheet {
       edit.replace(form_.original(), form_.record());
     return edit;
   }
-  std::string draft() const override { return toJson(form_.record(), JsonFields::full); }
+  /// What the form began with and what it holds.
+  std::string draft() const override {
+    return listToJson(std::vector<T>{form_.original(), form_.record()}, JsonFields::full);
+  }
   void startAgain() override {
     form_.reset(form_.original());
     for (const auto& again : again_) again();
   }
 
  private:
+  void restore(const QString& draft) {
+    if (draft.isEmpty()) return;
+    const auto kept = listFromJson<T>(draft.toStdString(), JsonFields::full);
+    if (!kept || kept->records.size() != 2) return;
+    const T& begun = kept->records[0];
+    const T& entered = kept->records[1];
+    T restored = form_.original();
+    // What others changed in the record since stays, as when a form is saved. A new record keeps the identity it has
+    // now: the draft's may have been saved meanwhile.
+    copyFields(entered, restored, isNew() ? ~fieldSetOf<T>({"id"}) : changedFields(begun, entered));
+    if (restored == form_.original()) return;
+    form_.edit([&](T& record) { record = std::move(restored); });
+    setRestored();
+  }
   static QString draftKey(const AppViewModel& store, const T& record, bool isNew) {
     std::string key = "draft." + store.prefix() + "." + std::string(RecordKind<T>::facts.collection);
     if (isNew) {
@@ -226,7 +234,7 @@ class RecordSheetOf : public RecordSheet {
     boost::mp11::mp_for_each<FieldList<T>>([&](auto field) { makeList(field.pointer, field.name, format); });
   }
   template <class S>
-  void makeList(std::vector<S> T::*member, const char* name, const Format& format) {
+  void makeList(std::vector<S> T::* member, const char* name, const Format& format) {
     if constexpr (HasFacts<S>) {
       auto* list = new SubRecordsOf<T, S>(form_, member, format);
       addList(QString::fromLatin1(name), list);

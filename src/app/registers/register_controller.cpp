@@ -46,7 +46,9 @@ std::optional<Uuid> RegisterController::vesselInView() const {
   return model()->scope() == RegisterScope::fleet ? std::nullopt : tools_.store.selectedVesselID();
 }
 
-bool RegisterController::hasVessel() const { return !tools_.store.vessels().empty(); }
+bool RegisterController::hasVessel() const {
+  return model()->scope() == RegisterScope::fleet ? !tools_.store.vessels().empty() : vesselInView().has_value();
+}
 
 QString RegisterController::vesselName() const {
   const auto shown = vesselInView();
@@ -65,6 +67,8 @@ bool RegisterController::applyEdit(Edit edit) {
 }
 
 void RegisterController::removeChosen() {
+  // Those that were ticked may be gone by the time the question is answered; without any, papers take the whole list.
+  if (model()->chosenCount() == 0) return;
   remove(chosenIds());
   model()->clearChosen();
 }

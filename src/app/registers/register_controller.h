@@ -114,6 +114,7 @@ class RegisterController : public QObject {
   virtual std::string csvText(const ReportSetting& setting, const CsvFormat& format) const = 0;
   /// The name offered for the spreadsheet, without ending.
   virtual QString csvName() const;
+  /// Of the chosen records; of all shown when none is chosen.
   virtual QStringList chosenIds() const = 0;
 
   /// The vessel in view; none where the list is of the whole fleet.

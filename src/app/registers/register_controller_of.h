@@ -12,6 +12,15 @@
 
 namespace thalvorn::app {
 
+/// What a paper is made of, in copies: it stays as it was asked for while the records, the list and the vessel in view
+/// change.
+template <class T>
+struct PaperContents {
+  std::vector<T> records;
+  ReportVessel vessel;  ///< whose paper it is; blank where the list is of the whole fleet
+  ReportPeriod period;  ///< the days that the list was narrowed to
+};
+
 /// A register of records of type T. A new register derives from it, says what a blank record is and which papers it
 /// prints, and overrides what else is its own.
 template <HasRegister T>
@@ -61,7 +70,7 @@ class RegisterControllerOf : public RegisterController {
     if (!record) return false;
     if (const auto vessel = vesselOf(*record); vessel && vesselInView() && *vesselInView() != *vessel)
       tools_.store.setSelectedVesselID(*vessel);
-    if (model_->rowOf(id) < 0) model_->clearFilters();
+    if (selectRecords<T>(std::span(record, 1), model_->query()).empty()) model_->clearFilters();
     return true;
   }
 
@@ -80,6 +89,8 @@ class RegisterControllerOf : public RegisterController {
     if (!text) return {{QStringLiteral("problem"), text.error()}};
     const Uuid vessel = tools_.store.selectedVesselID().value_or(Uuid());
     auto import = recordsFromCsv<T>(*text, vessel, tools_.store.calendar(), std::nullopt, calendarAboard());
+    for (const std::string& column : import.ignoredColumns)
+      import.problems.push_back({1, "The column “" + column + "” is not known and not read."});
     const std::size_t inFile = import.records.size();
     read_ = newRecords<T>(std::move(import.records), tools_.store.collection<T>().records(),
                           tools_.store.vessels().records(), vessel);
@@ -113,8 +124,9 @@ class RegisterControllerOf : public RegisterController {
   virtual void addRules(RecordFormOf<T>&) const {}
   /// What the detail shows beside the fields.
   virtual void describeMore(const T&, QVariantMap&) const {}
-  /// The paper of that key, of these records; what it gives runs on another thread.
-  virtual DocumentMaker document(const QString& paper, std::vector<T> records, const ReportSetting& setting) const = 0;
+  /// The paper of that key; what it gives runs on another thread.
+  virtual DocumentMaker document(const QString& paper, PaperContents<T> contents,
+                                 const ReportSetting& setting) const = 0;
   /// The records as a spreadsheet.
   virtual std::string spreadsheet(const std::vector<T>& records, const ReportSetting& setting,
                                   const CsvFormat& format) const {
@@ -144,14 +156,6 @@ class RegisterControllerOf : public RegisterController {
     }
     return vessels;
   }
-  /// The days that the list is narrowed to.
-  ReportPeriod periodShown() const {
-    const RegisterQuery query = model_->query();
-    ReportPeriod period{.first = query.from, .last = query.until};
-    if (period.last) *period.last -= std::chrono::seconds(1);
-    return period;
-  }
-
   const T* find(const QString& id) const {
     const auto read = Uuid::parse(id.toStdString());
     return read ? tools_.store.collection<T>().find(*read) : nullptr;
@@ -169,6 +173,17 @@ class RegisterControllerOf : public RegisterController {
   }
 
  private:
+  /// The days that the list is narrowed to. They are days by this computer's clock; the paper names the same ones,
+  /// though it is written by the clock aboard.
+  ReportPeriod periodShown(const Calendar& aboard) const {
+    const RegisterQuery query = model_->query();
+    const auto dayAboard = [&](Timestamp time) { return aboard.at(tools_.store.calendar().date(time)); };
+    ReportPeriod period;
+    if (query.from) period.first = dayAboard(*query.from);
+    if (query.until) period.last = dayAboard(*query.until - std::chrono::seconds(1));
+    return period;
+  }
+
   T withIdentity(T record) const {
     record.id = Uuid::random();
     if constexpr (belongsToVessel) record.vesselID = *tools_.store.selectedVesselID();
@@ -176,27 +191,31 @@ class RegisterControllerOf : public RegisterController {
   }
 
   ReportOrder order(const QString& paper, const QString& id) const {
-    std::vector<T> records;
+    PaperContents<T> contents;
     std::optional<Uuid> vessel = vesselInView();
     if (const T* one = id.isEmpty() ? nullptr : find(id)) {
-      records.push_back(*one);
+      contents.records.push_back(*one);
       vessel = vesselOf(*one);
     } else {
-      records = model_->copies(model_->chosenRows());
+      contents.records = model_->copies(model_->chosenRows());
     }
+    contents.vessel = vesselAndProfile(vessel);
+    contents.period = periodShown(tools_.reports.setting(vessel).calendar);
     const auto all = papers();
     const auto described = std::ranges::find(all, paper, &RegisterPaper::key);
     ReportOrder order{.id = key_ + u'.' + paper,
                       .title = described == all.end() ? title() : described->title,
                       .vessel = vessel,
                       .csvName = csvName()};
-    order.document = [this, paper, records](const ReportSetting& setting) { return document(paper, records, setting); };
     if (id.isEmpty()) {
-      order.csv = [this, records](const ReportSetting& setting, const CsvFormat& format) {
+      order.csv = [this, records = contents.records](const ReportSetting& setting, const CsvFormat& format) {
         return spreadsheet(records, setting, format);
       };
       if (vessel) order.again = [this, paper] { return this->order(paper, {}); };
     }
+    order.document = [this, paper, contents = std::move(contents)](const ReportSetting& setting) {
+      return document(paper, contents, setting);
+    };
     return order;
   }
 

@@ -1,13 +1,14 @@
 #include "app/registers/register_detail.h"
 
+#include "core/record_paper.h"
 #include "operations/bunkering.h"
 
 namespace thalvorn::app {
 
 QString detailText(const RegisterValue& value, const ColumnFacts& column, const Format& format) {
-  if (const auto* number = std::get_if<double>(&value); number && column.unit == "hrs") return toQt(hoursText(*number));
-  const QString text = toQt(shownText(value, column, format.numbers(), format.clock().calendar()));
-  return text.isEmpty() || column.unit.empty() ? text : text + u' ' + toQt(column.unit);
+  const Calendar calendar = format.clock().calendar();
+  if (shownText(value, column, format.numbers(), calendar).empty()) return {};
+  return toQt(thalvorn::detailText(value, column, format.numbers(), calendar));
 }
 
 QString otherUnitText(const RegisterValue& value, const ColumnFacts& column, const Format& format) {

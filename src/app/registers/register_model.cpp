@@ -49,14 +49,17 @@ RegisterModel::RegisterModel(AppViewModel& store, PreferenceStore& preferences, 
 }
 
 void RegisterModel::follow(const CollectionEvents& events) {
-  // Positions behind a removed record are wrong at once; everything else can wait until the edit is through.
-  const auto moved = [this] {
+  // Positions are put right at once; everything else can wait until the edit is through.
+  connect(&events, &CollectionEvents::reset, this, [this] {
     forgetRecords();
     orderStale_ = true;
     refresh();
-  };
-  connect(&events, &CollectionEvents::reset, this, moved);
-  connect(&events, &CollectionEvents::removed, this, moved);
+  });
+  connect(&events, &CollectionEvents::removed, this, [this](qsizetype position) {
+    forgetRecords();
+    closeUp(static_cast<std::uint32_t>(position));
+    refreshSoon();
+  });
   const auto changed = [this](qsizetype position) {
     forgetRecord(static_cast<std::uint32_t>(position));
     orderStale_ = true;
@@ -71,6 +74,18 @@ void RegisterModel::setActive(bool active) {
   active_ = active;
   if (active_ && stale_) refresh();
   Q_EMIT activeChanged();
+}
+
+void RegisterModel::closeUp(std::uint32_t gone) {
+  const auto row = std::ranges::find(rows_, gone);
+  const bool shown = row != rows_.end();
+  const auto at = static_cast<int>(row - rows_.begin());
+  if (shown) beginRemoveRows({}, at, at);
+  for (auto* positions : {&order_, &rows_}) {
+    std::erase(*positions, gone);
+    for (std::uint32_t& position : *positions) position -= position > gone ? 1 : 0;
+  }
+  if (shown) endRemoveRows();
 }
 
 void RegisterModel::refreshSoon() { refresh_.start(); }
@@ -271,7 +286,7 @@ QVariant RegisterModel::data(const QModelIndex& index, int role) const {
     default:
       break;
   }
-  const std::vector<ColumnFacts> facts = columns();
+  const std::vector<ColumnFacts>& facts = columns();
   const auto column = static_cast<std::size_t>(role - firstColumnRole);
   if (role < firstColumnRole || column >= facts.size()) return {};
   return toQt(shownText(valueAt(position, column), facts[column], format_.numbers(), store_.calendar()));

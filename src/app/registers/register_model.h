@@ -103,7 +103,7 @@ class RegisterModel : public QAbstractListModel {
   virtual Uuid vesselAt(std::uint32_t position) const = 0;
   virtual bool ofVessels() const = 0;
   virtual RegisterValue valueAt(std::uint32_t position, std::size_t column) const = 0;
-  virtual std::vector<ColumnFacts> columns() const = 0;
+  virtual const std::vector<ColumnFacts>& columns() const = 0;
   /// All positions in the query's order.
   virtual std::vector<std::uint32_t> ordered(const RegisterQuery& query) const = 0;
   /// Those that pass everything of the query but its order, taken from `ordered`.
@@ -118,6 +118,8 @@ class RegisterModel : public QAbstractListModel {
  private:
   enum Role { idRole = Qt::UserRole, vesselIdRole, vesselNameRole, chosenRole, firstColumnRole };
 
+  /// Positions behind a removed record move up by one.
+  void closeUp(std::uint32_t gone);
   void refreshSoon();
   void refresh();
   void changeQuery();

@@ -38,8 +38,9 @@ class RegisterModelOf : public RegisterModel {
   RegisterValue valueAt(std::uint32_t position, std::size_t column) const override {
     return Register<T>::columns[column].value(records_[position]);
   }
-  std::vector<ColumnFacts> columns() const override {
-    return {Register<T>::columns.begin(), Register<T>::columns.end()};
+  const std::vector<ColumnFacts>& columns() const override {
+    static const std::vector<ColumnFacts> facts(Register<T>::columns.begin(), Register<T>::columns.end());
+    return facts;
   }
   std::vector<std::uint32_t> ordered(const RegisterQuery& query) const override {
     std::vector<std::uint32_t> positions(records_.size());

@@ -99,20 +99,20 @@ std::vector<RegisterPaper> ShipsLogController::papers() const {
   return {{QStringLiteral("log"), QStringLiteral("Ship's Log"), QStringLiteral("Ship's log…")}, trips, trip};
 }
 
-DocumentMaker ShipsLogController::document(const QString& paper, std::vector<ShipsLogEntry> records,
+DocumentMaker ShipsLogController::document(const QString& paper, PaperContents<ShipsLogEntry> contents,
                                            const ReportSetting& setting) const {
   if (paper == u"log") {
-    return [records = std::move(records), vessel = vesselAndProfile(vesselInView()), period = periodShown(), setting] {
-      return shipsLogReport(records, vessel, period, setting);
+    return [contents = std::move(contents), setting] {
+      return shipsLogReport(contents.records, contents.vessel, contents.period, setting);
     };
   }
-  auto vessels = vesselsOf(records);
+  auto vessels = vesselsOf(contents.records);
   if (paper == u"search") {
-    return [records = std::move(records), vessels = std::move(vessels), period = periodShown(), setting] {
-      return shipsLogSearchExport(records, vessels, period, setting);
+    return [contents = std::move(contents), vessels = std::move(vessels), setting] {
+      return shipsLogSearchExport(contents.records, vessels, contents.period, setting);
     };
   }
-  return [records = std::move(records), vessels = std::move(vessels), setting] {
+  return [records = std::move(contents.records), vessels = std::move(vessels), setting] {
     return tripReports(records, vessels, setting);
   };
 }

@@ -30,7 +30,7 @@ class ShipsLogController : public RegisterControllerOf<ShipsLogEntry> {
   std::vector<RegisterFigure> figuresShown() const override;
   QVariantList chartsShown() const override;
   std::vector<RegisterPaper> papers() const override;
-  DocumentMaker document(const QString& paper, std::vector<ShipsLogEntry> records,
+  DocumentMaker document(const QString& paper, PaperContents<ShipsLogEntry> contents,
                          const ReportSetting& setting) const override;
   std::string spreadsheet(const std::vector<ShipsLogEntry>& records, const ReportSetting& setting,
                           const CsvFormat& format) const override;

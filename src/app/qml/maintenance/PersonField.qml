@@ -1,14 +1,14 @@
 import QtQuick
 import Thalvorn
 
-// A name: typed freely, or picked from the crew and from earlier services. people: [{name, detail}].
+// A name: typed freely, or picked from those that are known. people: [{name, detail}].
 TextInputField {
     id: root
 
     property var people: []
 
     trailingIcon: people.length > 0 ? "users" : ""
-    trailingTip: "Pick a crew member"
+    trailingTip: "Pick a name"
     onTrailingClicked: menu.openBelow(input)
     input.Keys.onDownPressed: if (people.length > 0) menu.openBelow(input)
 

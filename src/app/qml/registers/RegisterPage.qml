@@ -54,7 +54,7 @@ Page {
             implicitHeight: Theme.controlHeight
             mark: false
             options: root.moreActions.concat([{ value: "export", text: "Export as CSV…", icon: "file-csv" }],
-                                             root.register.imports && root.adds ? [{ value: "import", text: "Import from CSV…", icon: "tray" }] : [])
+                                             root.register.imports && root.adds && !App.readOnly ? [{ value: "import", text: "Import from CSV…", icon: "tray" }] : [])
             onPicked: (value) => {
                 if (value === "export")
                     saveCsv.open();
@@ -104,6 +104,8 @@ Page {
     function reveal(id) {
         if (!register.reveal(id))
             return;
+        if (!list.search)
+            clearSearch();
         chosenId = id;
         Qt.callLater(() => table.showId(id));
     }

@@ -11,7 +11,11 @@ ColumnLayout {
     property var lines: []
     property string countText
     property bool writable: true
-    property string author: App.recall("shipsLog.author", Registers.userName)
+    readonly property string user: Registers.userName
+    readonly property string authorKey: "shipsLog.author." + user
+    property string author: App.recall(authorKey, user)
+    property var begun: ({})   // texts begun, by the passage they were begun for
+    property string writtenFor
 
     spacing: Theme.space2
 
@@ -24,10 +28,14 @@ ColumnLayout {
     }
     function signAs(name) {
         author = name;
-        App.remember("shipsLog.author", name);
+        App.remember(authorKey, name);
     }
-    // A line begun belongs to the passage it was begun for.
-    onRecordIdChanged: entry.text = ""
+    onUserChanged: author = App.recall(authorKey, user)
+    onRecordIdChanged: {
+        begun[writtenFor] = entry.text;
+        writtenFor = recordId;
+        entry.text = begun[recordId] ?? "";
+    }
 
     Divider { Layout.fillWidth: true; Layout.bottomMargin: Theme.space1 }
     RowLayout {
