@@ -23,6 +23,7 @@ constexpr std::array kPages = std::to_array<PageEntry>({
      AppTabPermissionKey::shipslog},
     {u"bunkering", u"Fuel bunkering", u"gas-pump", u"Operations", u"registers/BunkeringPage.qml",
      AppTabPermissionKey::bunkering},
+    {u"gmdss", u"GMDSS radio log", u"broadcast", u"Compliance", u"registers/GMDSSPage.qml", AppTabPermissionKey::gmdss},
     {u"vessels", u"Vessels", u"boat", u"Fleet", u"fleet/VesselsPage.qml", AppTabPermissionKey::tasks},
     {u"account", u"Account", u"users", u"Fleet", u"account/AccountPage.qml"},
     {u"settings", u"Settings", u"gear", u"Fleet", u"fleet/SettingsPage.qml"},

@@ -91,6 +91,7 @@ constexpr std::array kSheets{
     Sheet{u"sheet-vessel", u"fleet/VesselSheet.qml", u"vesselId", "vessels"},
     Sheet{u"sheet-shipsLog", u"registers/ShipsLogSheet.qml", u"recordId", "shipsLog"},
     Sheet{u"sheet-bunkering", u"registers/BunkeringSheet.qml", u"recordId", "bunkeringRecords"},
+    Sheet{u"sheet-gmdss", u"registers/GMDSSSheet.qml", u"recordId", "gmdssTestLogs"},
 };
 
 /// The record of the selected vessel that a sheet is shown with.

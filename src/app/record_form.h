@@ -137,9 +137,8 @@ inline constexpr bool isOptional<std::optional<T>> = true;
 
 /// True for the types that a form can edit; lists and nested records have editors of their own.
 template <class T>
-concept Editable = requires(const T& value, const FieldFacts& facts, const Format& format) {
-  show(value, facts, format);
-};
+concept Editable =
+    requires(const T& value, const FieldFacts& facts, const Format& format) { show(value, facts, format); };
 
 }  // namespace fields
 

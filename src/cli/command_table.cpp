@@ -217,7 +217,8 @@ constexpr std::array kCommands{
         .access = Access::edits,
         .input = Input::forDash,
         .summary = "Import a register’s records from a CSV file that report or the window wrote (- is standard input)",
-        .details = "COLLECTION is shipsLog or bunkeringRecords. Records that are there already are left out.\n"
+        .details = "COLLECTION is shipsLog, bunkeringRecords and so on; a wrong one is answered with all of them.\n"
+                   "Records that are there already are left out.\n"
                    "Prints {\"new\":n,\"known\":n,\"skipped\":n,\"records\":[…]}.",
         .run = importRecords},
     Command{

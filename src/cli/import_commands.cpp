@@ -10,6 +10,7 @@
 #include "cli/store_use.h"
 #include "cli/text_table.h"
 #include "cli/values.h"
+#include "compliance/gmdss_register.h"
 #include "core/service_history_csv.h"
 #include "core/task_csv_import.h"
 #include "operations/bunkering_report.h"

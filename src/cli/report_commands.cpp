@@ -13,6 +13,7 @@
 #include "cli/json_text.h"
 #include "cli/register_query.h"
 #include "cli/store_use.h"
+#include "compliance/gmdss_report.h"
 #include "core/service_history_csv.h"
 #include "core/service_history_report.h"
 #include "core/work_list_report.h"
@@ -135,6 +136,27 @@ MadeReport bunkeringRecord(const ReportRequest& request) {
                 bunkeringCsv(std::span(&record, 1), request.setting.calendar)};
 }
 
+MadeReport gmdss(const ReportRequest& request) {
+  const auto tests = selected<GMDSSTestLog>(request);
+  if (!tests) return std::unexpected(tests.error());
+  const AppViewModel& store = request.store();
+  const RadioStation station = radioStation(
+      request.vessel().vessel.id, store.gmdssTestLogs().records(), store.equipment().records(),
+      store.documents().records(), store.crewMembers().records(), request.setting.now, request.setting.calendar);
+  return Report{gmdssReport(tests->records, station, request.vessel(), tests->period, request.setting),
+                recordsCsv<GMDSSTestLog>(tests->records, request.setting.calendar)};
+}
+
+MadeReport gmdssEntry(const ReportRequest& request) {
+  const auto tests = selected<GMDSSTestLog>(request);
+  if (!tests) return std::unexpected(tests.error());
+  if (tests->records.empty())
+    return std::unexpected(refused(fmt::format("{} has no such test log entry.", request.vessel().vessel.name)));
+  const GMDSSTestLog& test = tests->records.front();
+  return Report{gmdssEntryReport(test, request.vessel(), request.setting),
+                recordsCsv(std::span(&test, 1), request.setting.calendar)};
+}
+
 constexpr std::array<std::string_view, 3> kHistoryOptions{"--from", "--to", "--detailed"};
 constexpr std::array<std::string_view, 6> kRegisterOptions{"--from",   "--to",           "--search",
                                                            "--filter", "--oldest-first", "--id"};
@@ -149,6 +171,8 @@ constexpr std::array kReports{
     ReportKind{"bunkering", "fuel deliveries with their totals", true, kRegisterOptions, bunkering},
     ReportKind{"bunkering-record", "one delivery: the newest of those asked for", true, kRegisterOptions,
                bunkeringRecord},
+    ReportKind{"gmdss", "radio tests, with what is due and the radio station", true, kRegisterOptions, gmdss},
+    ReportKind{"gmdss-entry", "one radio test: the newest of those asked for", true, kRegisterOptions, gmdssEntry},
 };
 
 std::string reportList() {

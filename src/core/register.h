@@ -63,8 +63,8 @@ struct RegisterFacts {
   std::string_view plural;
 };
 
-/// Specialised beside each register's record: `facts`, `columns` (an array of RegisterColumn<T>), `date`, the member that
-/// periods are counted by, and `name(record)`, what a person calls a record.
+/// Specialised beside each register's record: `facts`, `columns` (an array of RegisterColumn<T>), `date`, the member
+/// that periods are counted by, and `name(record)`, what a person calls a record.
 template <class T>
 struct Register;
 

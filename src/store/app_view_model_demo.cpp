@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "base/date_format.h"
+#include "compliance/demo_radio_log.h"
 #include "core/demo_fleet.h"
 #include "operations/demo_voyages.h"
 #include "store/app_view_model.h"
@@ -52,6 +53,7 @@ Saving AppViewModel::fillDemoFleet() {
   const DemoVoyages voyages = demoVoyages(fleet, now(), calendar());
   addEntries(lists, voyages.shipsLog);
   addEntries(lists, voyages.bunkering);
+  addEntries(lists, demoRadioLog(fleet, now(), calendar()));
   const auto promise = std::make_shared<QPromise<SaveResult>>();
   promise->start();
   cache_.replaceAll(std::string(demoPrefix), std::move(lists), [promise](std::expected<Revision, CacheError> result) {

@@ -25,7 +25,7 @@ struct Edit {
   Uuid id = Uuid::random();
   std::string label;  ///< what was done, as the undo bar says it: "Engine coolant check completed"
   std::vector<RecordChange> changes;
-  bool takesBack = false;  ///< what it adds was deleted before, and is meant to return
+  bool takesBack = false;   ///< what it adds was deleted before, and is meant to return
   bool isReceived = false;  ///< came from the backend
 
   template <class T>

@@ -6,6 +6,7 @@
 
 #include "app/fleet_controller.h"
 #include "app/registers/bunkering_controller.h"
+#include "app/registers/gmdss_controller.h"
 #include "app/registers/ships_log_controller.h"
 #include "app/window.h"
 
@@ -232,6 +233,41 @@ TEST_F(RegisterPages, TickedRecordsAreDeletedTogetherAndComeBackTogether) {
   bunkering->removeChosen();
   EXPECT_EQ(list->count(), before - 2) << "without ticks nothing is deleted";
   press(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return list->count() == before; }));
+}
+
+TEST_F(RegisterPages, AFailedRadioTestNeedsNotesAndDeletingItIsAskedFirst) {
+  auto* gmdss = of<GMDSSController>("gmdss");
+  ASSERT_TRUE(gmdss);
+  app().open(QStringLiteral("gmdss"));
+  settle();
+  RegisterModel* list = gmdss->model();
+  const int before = list->count();
+  ASSERT_GT(before, 2);
+  const auto failures = [&] { return gmdss->figures()[2].toMap().value(QStringLiteral("value")).toInt(); };
+  const int failedBefore = failures();
+  {
+    const std::unique_ptr<RecordSheet> sheet(qobject_cast<RecordSheet*>(gmdss->sheet({})));
+    auto* form = qobject_cast<RecordForm*>(sheet->formObject());
+    form->setText(QStringLiteral("result"), QStringLiteral("fail"));
+    EXPECT_FALSE(sheet->save());
+    EXPECT_EQ(sheet->firstWrong(), QStringLiteral("notes"));
+    form->setText(QStringLiteral("notes"), QStringLiteral("No tone, battery ordered."));
+    EXPECT_TRUE(sheet->save());
+  }
+  ASSERT_TRUE(QTest::qWaitFor([&] { return list->count() == before + 1; }));
+  EXPECT_EQ(failures(), failedBefore + 1);
+  const QVariantMap detail = gmdss->detail(firstId(list));
+  EXPECT_EQ(value(detail, QStringLiteral("notes")), QStringLiteral("No tone, battery ordered."));
+  const QVariantList standings = detail.value(QStringLiteral("standings")).toList();
+  ASSERT_EQ(standings.size(), 5);
+  EXPECT_EQ(standings[0].toMap().value(QStringLiteral("standing")), QStringLiteral("Failed"));
+
+  press(Qt::Key_Home);
+  press(Qt::Key_Delete);
+  EXPECT_EQ(list->count(), before + 1) << "nothing goes before the question is answered";
+  press(Qt::Key_Tab);
+  press(Qt::Key_Space);
   EXPECT_TRUE(QTest::qWaitFor([&] { return list->count() == before; }));
 }
 

@@ -19,6 +19,10 @@ class RegisterReportTest(CliTest):
                                                    "port": "Calvi", "quantityGallons": 100, "pricePerGallon": 4.5,
                                                    "totalCharge": 512.25, "currency": "USD", "fuelType": "MGO"})
 
+        self.radio = self.put("gmdssTestLogs", {"vesselID": self.meridian["id"], "date": "2026-05-03T08:00:00Z",
+                                                "testType": "weeklyDSCTest", "result": "fail", "notes": "No reply",
+                                                "createdAt": "2026-05-03T08:10:00Z"})
+
     def entry(self, date, departure, arrival, vessel=None, **fields):
         for kind in ("guests", "tripLog"):
             for number, line in enumerate(fields.get(kind, [])):
@@ -54,6 +58,12 @@ class RegisterReportTest(CliTest):
         self.assertIn("Total Fuel Cost: USD 512.25", self.text("bunkering", "--filter", "fuelType=MGO"))
         self.assertIn("Calculated total USD 450.00", self.text("bunkering-record", "--id", self.taken["id"]))
 
+        self.put("equipment", {"vesselID": self.meridian["id"], "component": "", "system": "communications"})
+        radio = self.text("gmdss", "--filter", "testType=Weekly DSC Test Call")
+        self.assertIn("3 May 2026 11:00 Weekly DSC Test Call Fail", radio)
+        self.assertIn("Unnamed Component", radio)
+        self.assertIn("GMDSS Compliance Entry — M/Y Meridian", self.text("gmdss-entry", "--id", self.radio["id"]))
+
         aurora = self.vessel("S/Y Aurora")
         self.entry("2026-06-01T06:00:00Z", "Calvi", "Nice", aurora)
         found = self.text("ship-log-search", "--search", "calvi")
@@ -81,7 +91,8 @@ class RegisterReportTest(CliTest):
                                  "M Y Meridian Ships Log.pdf"})
 
     def test_what_a_report_wrote_is_imported_unchanged(self):
-        for report, collection in [("ship-log", "shipsLog"), ("bunkering", "bunkeringRecords")]:
+        for report, collection in [("ship-log", "shipsLog"), ("bunkering", "bunkeringRecords"),
+                                   ("gmdss", "gmdssTestLogs")]:
             records = self.done("list", collection)
             self.done("report", report, "--csv", "r.csv")
             lost = records[-1]
@@ -112,7 +123,7 @@ class RegisterReportTest(CliTest):
         self.assertIn("The column “Colour” is not known", err)
         self.assertIn("Line 3: Skipped: “soon” is not a date", err)
         self.assertEqual(self.done("import", "bunkeringRecords", "-", "--vessel", "mer", input=sheet)["known"], 1)
-        self.fails(2, "import", "tasks", "-", "--vessel", "mer", input=sheet, says="shipsLog, bunkeringRecords")
+        self.fails(2, "import", "tasks", "-", "--vessel", "mer", input=sheet, says="shipsLog, bunkeringRecords, gmdssTestLogs")
         self.fails(1, "import", "shipsLog", "-", "--vessel", "mer", input=b"a,b\n1,2\n", says="“Date & time” is missing")
 
     def csv(self, report):

@@ -26,24 +26,6 @@ ReportVessel vesselNamed(std::string name) {
   return one;
 }
 
-/// Every text stands on the paper, one behind the other.
-void expectInOrder(const std::string& printed, const std::vector<std::string>& texts) {
-  std::size_t from = 0;
-  for (const std::string& text : texts) {
-    const auto found = printed.find(text, from);
-    EXPECT_NE(found, std::string::npos) << "“" << text << "” is missing, or stands too early, in\n" << printed;
-    if (found != std::string::npos) from = found + text.size();
-  }
-}
-
-/// Runs of blanks as one, so that what stands side by side can be named.
-std::string oneBlank(const std::string& text) {
-  std::string out;
-  for (const char c : text)
-    if (c != ' ' || !out.ends_with(' ')) out += c;
-  return out;
-}
-
 ShipsLogEntry fullEntry(const ReportVessel& vessel) {
   ShipsLogEntry entry{.id = Uuid::random(), .vesselID = vessel.vessel.id, .date = at("2026-06-01T06:05:00Z")};
   entry.engineHours = 4812.4;

@@ -42,6 +42,22 @@ std::string textOf(const QByteArray& pdf, const QStringList& options) {
 
 std::string printedText(const Document& document) { return textOf(pdfOf(document)); }
 
+std::string oneBlank(const std::string& text) {
+  std::string out;
+  for (const char c : text)
+    if (c != ' ' || !out.ends_with(' ')) out += c;
+  return out;
+}
+
+void expectInOrder(const std::string& printed, const std::vector<std::string>& texts) {
+  std::size_t from = 0;
+  for (const std::string& text : texts) {
+    const auto found = printed.find(text, from);
+    EXPECT_NE(found, std::string::npos) << "“" << text << "” is missing, or stands too early, in\n" << printed;
+    if (found != std::string::npos) from = found + text.size();
+  }
+}
+
 std::size_t count(std::string_view text, std::string_view part) {
   std::size_t found = 0;
   for (auto at = text.find(part); at != text.npos; at = text.find(part, at + 1)) ++found;

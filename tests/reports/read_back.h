@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "reports/document/document.h"
 
@@ -22,6 +23,12 @@ std::string textOf(const QByteArray& pdf, const QStringList& options = {QStringL
 
 /// The text of a report on paper, as `pdfOf` and `textOf` have it.
 std::string printedText(const Document& document);
+
+/// Runs of blanks as one, so that what stands side by side can be named.
+std::string oneBlank(const std::string& text);
+
+/// Every text stands on the paper, one behind the other; the running test fails when one does not.
+void expectInOrder(const std::string& printed, const std::vector<std::string>& texts);
 
 std::size_t count(std::string_view text, std::string_view part);
 

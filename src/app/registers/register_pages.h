@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "compliance/gmdss_register.h"
 #include "operations/bunkering_register.h"
 #include "operations/ships_log_register.h"
 
@@ -13,6 +14,7 @@ template <class Visitor>
 void forEachRegister(Visitor&& visit) {
   visit(std::type_identity<ShipsLogEntry>{}, std::u16string_view(u"book-open"));
   visit(std::type_identity<BunkeringRecord>{}, std::u16string_view(u"gas-pump"));
+  visit(std::type_identity<GMDSSTestLog>{}, std::u16string_view(u"broadcast"));
 }
 
 }  // namespace thalvorn::app

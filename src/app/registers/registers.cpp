@@ -5,6 +5,7 @@
 #include <set>
 
 #include "app/registers/bunkering_controller.h"
+#include "app/registers/gmdss_controller.h"
 #include "app/registers/ships_log_controller.h"
 #include "app/text.h"
 #include "base/search_text.h"
@@ -39,6 +40,7 @@ Registers::Registers(const RegisterTools& tools) : tools_(tools) {
   registers_.push_back(std::make_unique<ShipsLogController>(tools, RegisterScope::selectedVessel));
   registers_.push_back(std::make_unique<ShipsLogController>(tools, RegisterScope::fleet));
   registers_.push_back(std::make_unique<BunkeringController>(tools));
+  registers_.push_back(std::make_unique<GMDSSController>(tools));
   for (const auto& one : registers_) QQmlEngine::setObjectOwnership(one.get(), QQmlEngine::CppOwnership);
   connect(&tools_.store, &AppViewModel::selectedVesselIDChanged, this, &Registers::peopleChanged);
   connect(&tools_.store, &AppViewModel::reloaded, this, &Registers::peopleChanged);

@@ -15,6 +15,7 @@ Loader {
     property bool readOnly: false
     property string unit: facts.unit ?? ""
     property var options: facts.choices ?? []
+    property var people: null  // [{name, detail}] makes a text one that can be picked as well as typed
     readonly property var facts: form && name ? form.facts(name) : ({})
     readonly property int revision: form ? form.revision : 0
     readonly property string message: revision >= 0 && form ? form.message(name) : ""
@@ -37,7 +38,7 @@ Loader {
         case "dateTime": return dateEntry;
         case "number": return number;
         case undefined: return null;
-        default: return line;
+        default: return people ? person : line;
         }
     }
 
@@ -55,6 +56,20 @@ Loader {
             echoMode: root.facts.sensitive ? TextInput.PasswordEchoOnEdit : TextInput.Normal
             inputMethodHints: root.facts.entry === "email" ? Qt.ImhEmailCharactersOnly : root.facts.entry === "phone" ? Qt.ImhDialableCharactersOnly
                               : root.facts.entry === "url" ? Qt.ImhUrlCharactersOnly : Qt.ImhNone
+            onEdited: (text) => root.form.setText(root.name, text)
+        }
+    }
+    Component {
+        id: person
+        PersonField {
+            people: root.people
+            label: root.label
+            hint: root.hint
+            message: root.message
+            required: root.facts.required
+            placeholder: root.facts.placeholder
+            readOnly: root.readOnly
+            text: root.current
             onEdited: (text) => root.form.setText(root.name, text)
         }
     }

@@ -44,7 +44,7 @@ ColumnLayout {
                 onClicked: root.register.print(modelData.value, root.recordId)
             }
         }
-        IconButton { visible: root.page !== null && root.page.adds; iconName: "trash"; outlined: true; writes: true; tip: "Delete"; onClicked: root.register.remove([root.recordId]) }
+        IconButton { visible: root.page !== null && root.page.adds; iconName: "trash"; outlined: true; writes: true; tip: "Delete"; onClicked: root.page.remove(root.recordId) }
     }
     // A grid of plain places: fields come and go with the record, also while nothing is shown.
     Grid {

@@ -22,6 +22,7 @@ Page {
     property string emptyTitle: "Nothing here yet"
     property string emptyText
     property string helpText
+    property string deleteQuestion         // asked before a single record is deleted; undo alone guards it when empty
     property var chosenId
     signal moreRequested(string action)
 
@@ -101,6 +102,13 @@ Page {
     function edit(id) {
         App.openSheet(sheet, { recordId: id });
     }
+    function remove(id) {
+        deletion.recordId = id;
+        if (deleteQuestion)
+            deletion.ask(deleteQuestion, register.detail(id).title + ". You can undo this for a while.", "Delete");
+        else
+            register.remove([id]);
+    }
     function reveal(id) {
         if (!register.reveal(id))
             return;
@@ -145,7 +153,7 @@ Page {
             onCleared: root.clearSearch()
             onPrintRequested: (paper) => root.register.print(paper)
             onExportRequested: saveCsv.open()
-            onDeleteRequested: deletion.ask("Delete " + root.chosen + " " + (root.chosen === 1 ? root.register.singular : root.register.plural) + "?", "You can undo this for a while.", "Delete")
+            onDeleteRequested: { deletion.recordId = ""; deletion.ask("Delete " + root.chosen + " " + (root.chosen === 1 ? root.register.singular : root.register.plural) + "?", "You can undo this for a while.", "Delete"); }
         }
         FigureStrip {
             visible: root.list.count > 0 && root.register.figures.length > 0
@@ -177,7 +185,7 @@ Page {
                 onSelected: (row) => root.chosenId = row.id
                 onMarked: (row) => root.list.toggle(row.id)
                 onActivated: (row) => { if (root.adds) root.edit(row.id); else root.chosenId = row.id; }
-                onDeleteRequested: (row) => { if (root.adds && !App.readOnly) root.register.remove([row.id]); }
+                onDeleteRequested: (row) => { if (root.adds && !App.readOnly) root.remove(row.id); }
                 onContextRequested: (row, x, y) => { const at = table.mapToItem(root, x, y); rowMenu.recordId = row.id; rowMenu.popup(root, at.x, at.y); }
                 emptyIcon: root.list.filtered ? "magnifying-glass" : root.register.hasVessel ? root.icon : "boat"
                 emptyTitle: root.list.filtered ? "No " + root.register.plural + " match" : root.register.hasVessel ? root.emptyTitle : root.noVesselTitle
@@ -224,12 +232,16 @@ Page {
             if (value === "edit")
                 root.edit(recordId);
             else if (value === "delete")
-                root.register.remove([recordId]);
+                root.remove(recordId);
             else
                 root.register.print(value.slice(6), recordId);
         }
     }
-    ConfirmDialog { id: deletion; onConfirmed: root.register.removeChosen() }
+    ConfirmDialog {
+        id: deletion
+        property string recordId  // which it asks about; the ticked ones when empty
+        onConfirmed: if (recordId) root.register.remove([recordId]); else root.register.removeChosen()
+    }
     FileChooser {
         id: saveCsv
         title: "Export the " + root.register.plural

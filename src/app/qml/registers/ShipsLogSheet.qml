@@ -31,14 +31,7 @@ RegisterSheet {
         Field { form: root.form; name: "waveHeightFeet" }
     }
     FieldRow {
-        PersonField {
-            label: "Captain"
-            people: Registers.crew
-            text: root.form && root.form.revision >= 0 ? root.form.text("skipper") : ""
-            onEdited: (text) => root.form.setText("skipper", text)
-            Layout.fillWidth: true
-            Layout.preferredWidth: 200
-        }
+        Field { form: root.form; name: "skipper"; people: Registers.crew; Layout.preferredWidth: 200 }
         Field { form: root.form; name: "crewCount" }
     }
     Field { form: root.form; name: "notes" }
