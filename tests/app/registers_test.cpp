@@ -151,7 +151,7 @@ TEST_F(RegisterPages, APaperStaysThatOfItsVessel) {
   const QString first = fleet->selectedVesselId();
   app().open(QStringLiteral("shipsLog"));
   settle();
-  log->print(QStringLiteral("log"));
+  log->print(QStringLiteral("log"), {});
   ASSERT_TRUE(QTest::qWaitFor([&] { return reports->pageCount() > 0; }));
   const QString name = reports->fileName(QStringLiteral("pdf"));
   app().back();
