@@ -444,7 +444,14 @@ QCoro::Task<SyncManager::Exchanged> SyncManager::exchangeTable(SyncRunPtr run, c
     download = extent == Extent::everything || !version || before == stamps->known.end() || before->second != *version;
   }
   if (!download && step->waiting(model_) == 0) co_return Exchanged::done;
-  if (mayWait && isPutOff(*run, step->table)) co_return Exchanged::done;
+  if (mayWait) {
+    // What is left of a short wait from the run before is waited out like one of this run.
+    const auto until = notBefore_.find(step->table);
+    const auto now = timing_.elapsed();
+    if (until != notBefore_.end() && until->second > now && until->second - now <= kLongestWait)
+      co_return Exchanged::busy;
+    if (isPutOff(*run, step->table)) co_return Exchanged::done;
+  }
   run->tables.insert(step->table);
   run->version = version;
   currentTable_ = step->table;
