@@ -379,34 +379,66 @@ QCoro::Task<bool> SyncManager::prepare(SyncRunPtr run, Extent extent, Stamps* st
   co_return true;
 }
 
-bool SyncManager::noteFailure(SyncRun& run, std::string_view table, const SBError& error) {
-  run.problems.push_back({std::string(table), {}, error.text.toStdString()});
-  if (error.retryAfter) notBefore_[std::string(table)] = timing_.elapsed() + *error.retryAfter;
-  return endsRun(run, error);
+SyncManager::Exchanged SyncManager::afterFailure(SyncRun& run, const SyncStep& step, const SBError& error,
+                                                 bool mayWait) {
+  if (step.optional && error.remedy == SBError::Remedy::updateSchema) return Exchanged::done;
+  log_.say("⚠️ " + std::string(step.label) + ": " + error.logLine().toStdString());
+  const bool busy = error.remedy == SBError::Remedy::retryLater && error.status != 0 && error.status != kNotSaved;
+  const std::chrono::milliseconds wait = error.retryAfter.value_or(kUsualWait);
+  if (busy) notBefore_[std::string(step.table)] = timing_.elapsed() + wait;
+  if (busy && mayWait && wait <= kLongestWait) return Exchanged::busy;
+  run.problems.push_back({std::string(step.table), {}, error.text.toStdString()});
+  return endsRun(run, error) ? Exchanged::ends : Exchanged::done;
 }
 
-bool SyncManager::isPutOff(SyncRun& run, std::string_view table) {
-  const auto later = notBefore_.find(table);
-  if (later == notBefore_.end() || later->second <= timing_.elapsed()) return false;
+std::chrono::milliseconds SyncManager::waitLeft(std::string_view table) const {
+  const auto until = notBefore_.find(table);
+  return until == notBefore_.end() ? std::chrono::milliseconds{0} : until->second - timing_.elapsed();
+}
+
+std::optional<SyncManager::Exchanged> SyncManager::beforeExchange(SyncRun& run, std::string_view table) {
+  const std::chrono::milliseconds left = waitLeft(table);
+  if (left <= std::chrono::milliseconds{0}) return std::nullopt;
+  // What is left of a short wait from the run before is waited out like one of this run.
+  if (left <= kLongestWait) return Exchanged::busy;
   const SyncProblem problem{std::string(table), {}, "The server is busy and asked to wait; it is tried again."};
   if (std::ranges::find(run.problems, problem) == run.problems.end()) run.problems.push_back(problem);
-  return true;
+  return Exchanged::done;
+}
+
+QCoro::Task<bool> SyncManager::withEach(SyncRunPtr run, std::vector<const SyncStep*> steps, OneTable one) {
+  std::vector<const SyncStep*> busy;
+  for (const SyncStep* step : steps) {
+    const Exchanged done = co_await one(step, true);
+    if (done == Exchanged::ends) co_return false;
+    if (done == Exchanged::busy) busy.push_back(step);
+  }
+  // A server that was busy with a table is asked once more, after all the others.
+  for (const SyncStep* step : busy) {
+    if (const auto left = waitLeft(step->table); left > std::chrono::milliseconds{0}) co_await timing_.wait(left);
+    if (run->token.isOver()) co_return false;
+    if (co_await one(step, false) == Exchanged::ends) co_return false;
+  }
+  co_return true;
 }
 
 QCoro::Task<bool> SyncManager::sendDeletions(SyncRunPtr run) {
-  for (const Step& step : kSteps | std::views::reverse) {
-    if (!step.deletions || step.waiting(model_) == 0 || isPutOff(*run, step.table)) continue;
-    const auto done = co_await within(options_.stepTimeout, &step, run, Part::deletions);
-    if (run->token.isOver()) co_return false;
-    if (!done) {
-      noteOverrun(*run, step.label, step.table);
-    } else if (!*done) {
-      if (step.optional && done->error().remedy == SBError::Remedy::updateSchema) continue;
-      log_.say("⚠️ " + std::string(step.label) + ": " + done->error().logLine().toStdString());
-      if (noteFailure(*run, step.table, done->error())) co_return false;
-    }
-  }
-  co_return true;
+  std::vector<const SyncStep*> steps;
+  for (const Step& step : kSteps | std::views::reverse)
+    if (step.deletions && step.waiting(model_) > 0) steps.push_back(&step);
+  co_return co_await withEach(run, std::move(steps), [this, run](const SyncStep* step, bool mayWait) {
+    return sendDeletionsOf(run, step, mayWait);
+  });
+}
+
+QCoro::Task<SyncManager::Exchanged> SyncManager::sendDeletionsOf(SyncRunPtr run, const SyncStep* step, bool mayWait) {
+  if (mayWait)
+    if (const auto instead = beforeExchange(*run, step->table)) co_return *instead;
+  const auto done = co_await within(options_.stepTimeout, step, run, Part::deletions);
+  if (run->token.isOver()) co_return Exchanged::ends;
+  if (!done) noteOverrun(*run, step->label, step->table);
+  if (done && !*done) co_return afterFailure(*run, *step, done->error(), mayWait);
+  co_return Exchanged::done;
 }
 
 void SyncManager::noteOverrun(SyncRun& run, std::string_view label, std::string_view table) {
@@ -415,20 +447,11 @@ void SyncManager::noteOverrun(SyncRun& run, std::string_view label, std::string_
 }
 
 QCoro::Task<void> SyncManager::exchange(SyncRunPtr run, Extent extent, Stamps* stamps) {
-  std::vector<const Step*> busy;
-  for (const Step& step : kSteps) {
-    const Exchanged done = co_await exchangeTable(run, &step, extent, stamps, true);
-    if (done == Exchanged::ends) co_return;
-    if (done == Exchanged::busy) busy.push_back(&step);
-  }
-  // A server that was busy with a table is asked once more, after all the others.
-  for (const Step* step : busy) {
-    const auto until = notBefore_.find(step->table);
-    if (until != notBefore_.end() && until->second > timing_.elapsed())
-      co_await timing_.wait(until->second - timing_.elapsed());
-    if (run->token.isOver()) co_return;
-    if (co_await exchangeTable(run, step, extent, stamps, false) == Exchanged::ends) co_return;
-  }
+  std::vector<const SyncStep*> steps;
+  for (const Step& step : kSteps) steps.push_back(&step);
+  co_await withEach(run, std::move(steps), [this, run, extent, stamps](const SyncStep* step, bool mayWait) {
+    return exchangeTable(run, step, extent, stamps, mayWait);
+  });
 }
 
 QCoro::Task<SyncManager::Exchanged> SyncManager::exchangeTable(SyncRunPtr run, const SyncStep* step, Extent extent,
@@ -444,14 +467,8 @@ QCoro::Task<SyncManager::Exchanged> SyncManager::exchangeTable(SyncRunPtr run, c
     download = extent == Extent::everything || !version || before == stamps->known.end() || before->second != *version;
   }
   if (!download && step->waiting(model_) == 0) co_return Exchanged::done;
-  if (mayWait) {
-    // What is left of a short wait from the run before is waited out like one of this run.
-    const auto until = notBefore_.find(step->table);
-    const auto now = timing_.elapsed();
-    if (until != notBefore_.end() && until->second > now && until->second - now <= kLongestWait)
-      co_return Exchanged::busy;
-    if (isPutOff(*run, step->table)) co_return Exchanged::done;
-  }
+  if (mayWait)
+    if (const auto instead = beforeExchange(*run, step->table)) co_return *instead;
   run->tables.insert(step->table);
   run->version = version;
   currentTable_ = step->table;
@@ -465,14 +482,8 @@ QCoro::Task<SyncManager::Exchanged> SyncManager::exchangeTable(SyncRunPtr run, c
     const std::int64_t reached = pagesReached();
     goOn_ = goOn_ || reached > std::exchange(reached_, reached);
   } else if (!*done) {
-    const SBError& error = done->error();
-    if (step->optional && error.remedy == SBError::Remedy::updateSchema) co_return Exchanged::done;
-    log_.say("⚠️ " + std::string(step->label) + ": " + error.logLine().toStdString());
-    const bool busy = error.remedy == SBError::Remedy::retryLater && error.status != 0 && error.status != kNotSaved;
-    const std::chrono::milliseconds wait = error.retryAfter.value_or(kUsualWait);
-    if (busy) notBefore_[std::string(step->table)] = timing_.elapsed() + wait;
-    if (busy && mayWait && wait <= kLongestWait) co_return Exchanged::busy;
-    if (noteFailure(*run, step->table, error)) co_return Exchanged::ends;
+    if (const Exchanged after = afterFailure(*run, *step, done->error(), mayWait); after != Exchanged::done)
+      co_return after;
   }
   if (!download) co_return Exchanged::done;
   // A table asked for vessel by vessel is whole only when all vessels are known.

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QTimer>
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -95,19 +96,28 @@ class SyncManager : public QObject, public SyncTrigger {
   /// What has to be known before records are exchanged: a fresh token, what has changed, the membership. False when the
   /// run ends there.
   QCoro::Task<bool> prepare(SyncRunPtr run, Extent extent, Stamps* stamps);
+  enum class Exchanged : std::uint8_t { done, busy, ends };
+  using OneTable = std::function<QCoro::Task<Exchanged>(const SyncStep* step, bool mayWait)>;
+  /// Does `one` thing with each table, and once more, after all the others, with those whose server is `busy` and wants
+  /// to be asked again a little later. False when the run ends there.
+  QCoro::Task<bool> withEach(SyncRunPtr run, std::vector<const SyncStep*> steps, OneTable one);
   /// Deletions, children before parents. False when the run ends there.
   QCoro::Task<bool> sendDeletions(SyncRunPtr run);
+  QCoro::Task<Exchanged> sendDeletionsOf(SyncRunPtr run, const SyncStep* step, bool mayWait);
   QCoro::Task<void> exchange(SyncRunPtr run, Extent extent, Stamps* stamps);
-  enum class Exchanged : std::uint8_t { done, busy, ends };
-  /// One table, up and down. `busy` when the server wants to be asked again a little later, if it `mayWait`.
+  /// One table, up and down.
   QCoro::Task<Exchanged> exchangeTable(SyncRunPtr run, const SyncStep* step, Extent extent, Stamps* stamps,
                                        bool mayWait);
   /// Whether nothing more can be done in this run, which is noted in it.
   static bool endsRun(SyncRun& run, const SBError& error);
-  bool noteFailure(SyncRun& run, std::string_view table, const SBError& error);
+  /// Notes what went wrong with a table and when it may be asked for again.
+  Exchanged afterFailure(SyncRun& run, const SyncStep& step, const SBError& error, bool mayWait);
+  /// What becomes of a table whose server asked to wait; empty when it need not.
+  std::optional<Exchanged> beforeExchange(SyncRun& run, std::string_view table);
+  /// How long the table's server still wants not to be asked; zero or less when it may be.
+  std::chrono::milliseconds waitLeft(std::string_view table) const;
   void noteOverrun(SyncRun& run, std::string_view label, std::string_view table);
   std::int64_t pagesReached() const;
-  bool isPutOff(SyncRun& run, std::string_view table);
   static bool isUpToDate(const Stamps& stamps, std::string_view table);
   SBTask<std::optional<Versions>> readVersions(SyncRunPtr run);
   void finish(const SyncRunPtr& run, bool full);

@@ -76,5 +76,13 @@ TEST_F(Deletions, HoldAgainstACopyThatNeverHeardOfItsOwnUpload) {
   EXPECT_EQ(captain.model->conflicts().size(), 1U) << "what was in it stays to be seen";
 }
 
+TEST_F(Deletions, GoInTheSameRunOnceABusyServerIsReady) {
+  ASSERT_TRUE(finished(stored(captain.model->remove<MaintenanceTask>(task.id))));
+  captain.proxy.deferNext("DELETE");
+  exchange(captain);
+  exchange(engineer);
+  EXPECT_FALSE(engineer.model->tasks().find(task.id));
+}
+
 }  // namespace
 }  // namespace thalvorn

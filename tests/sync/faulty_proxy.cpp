@@ -77,7 +77,11 @@ void FaultyProxy::read(QTcpSocket* client) {
   client->setProperty("request", sofar.mid(whole));
   ++requests_;
   bytes_ += whole;
-  const Fault fault = offline_ ? Fault::lostRequest : draw();
+  Fault fault = offline_ ? Fault::lostRequest : draw();
+  if (!deferred_.isEmpty() && sofar.startsWith(deferred_)) {
+    fault = Fault::conflict;
+    deferred_.clear();
+  }
   const QByteArray request = closing(sofar.left(whole));
   qCInfo(proxyLog, "port %d: %s, fault %d", server_.serverPort(), sofar.left(sofar.indexOf(" HTTP/")).constData(),
          static_cast<int>(fault));

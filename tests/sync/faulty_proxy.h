@@ -20,6 +20,8 @@ class FaultyProxy : public QObject {
   QUrl url() const;
   /// Of a hundred requests, how many meet a fault.
   void setFaults(int percent) { percent_ = percent; }
+  /// The next request with this method is answered as by a server that is busy with another.
+  void deferNext(QByteArray method) { deferred_ = std::move(method); }
   /// Nothing passes at all.
   void setOffline(bool offline) { offline_ = offline; }
   bool isOffline() const { return offline_; }
@@ -56,6 +58,7 @@ class FaultyProxy : public QObject {
   QUrl target_;
   std::mt19937 random_;
   int percent_ = 0;
+  QByteArray deferred_;
   bool offline_ = false;
   std::function<void(const QByteArray&, const QByteArray&)> listener_;
   int requests_ = 0;

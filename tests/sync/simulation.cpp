@@ -262,12 +262,13 @@ void Simulation::settle() {
     if (client->cloud->needsSignIn()) client->signIn();
   }
   for (int round = 0; round < kSettlingRounds; ++round) {
-    bool done = true;
+    // What goes up in this round, the others see in the next.
+    bool done = std::ranges::all_of(clients_, [this](const auto& client) { return settled(*client); });
     for (const auto& client : clients_) {
       const SyncOutcome outcome = finished(syncWhenFree(client->cloud.get()));
       done = done && outcome == SyncOutcome::complete && settled(*client);
     }
-    if (done && round > 0) return;
+    if (done) return;
   }
   for (const auto& client : clients_) {
     std::string what = "does not settle: " + std::to_string(client->model->dirtyCount()) + " wait";
