@@ -88,6 +88,7 @@ Document gmdssReport(std::span<const GMDSSTestLog> tests, const RadioStation& st
   blocks.push_back(Heading{"RADIO EQUIPMENT TEST LOG", fmt::format("{} passed, {} of them with notes; {} failed",
                                                                    totals.passed, totals.withNotes, totals.failed)});
   Table log = registerTable<GMDSSTestLog>(tests, {"date", "testType", "result", "performedBy", "notes"}, setting);
+  log.columns[1].wraps = log.columns[2].wraps = false;
   log.emptyText = "No test log entries yet.";
   for (std::size_t i = 0; i < tests.size(); ++i) log.rows[i].cells[2].strong = tests[i].result == GMDSSTestResult::fail;
   blocks.push_back(std::move(log));

@@ -61,9 +61,9 @@ struct RecordCsvImport {
   std::vector<std::string> ignoredColumns;  ///< whose heads name no field
 };
 
-/// Reads records; columns are found by label or field name in any order. A row without the register's date is skipped.
-/// A record without an identity gets one that follows from its row, so that a second import knows it; one without a
-/// vessel belongs to `vesselID`.
+/// Reads records; columns are found by label or field name in any order. A row without the register's date is skipped;
+/// the date also stands for when the record was entered where the file does not tell. A record without an identity gets
+/// one that follows from its row, so that a second import knows it; one without a vessel belongs to `vesselID`.
 template <DescribedRecord T>
 RecordCsvImport<T> recordsFromCsv(std::string_view text, const Uuid& vesselID, const Calendar& calendar,
                                   std::optional<CsvSeparator> separator = std::nullopt,
@@ -423,6 +423,9 @@ RecordCsvImport<T> recordsFromCsv(std::string_view text, const Uuid& vesselID, c
     }
     if constexpr (requires { record.vesselID = vesselID; }) {
       if (record.vesselID == Uuid{}) record.vesselID = vesselID;
+    }
+    if constexpr (requires { record.createdAt = record.*Register<T>::date; }) {
+      if (record.createdAt == Timestamp{}) record.createdAt = record.*Register<T>::date;
     }
     if (record.id.isNil()) record.id = detail::identityOf(row, vesselID);
     import.records.push_back(std::move(record));

@@ -6,6 +6,8 @@
 #include <set>
 
 #include "compliance/demo_radio_log.h"
+#include "compliance/gmdss_register.h"
+#include "core/record_csv.h"
 
 namespace thalvorn {
 namespace {
@@ -116,6 +118,16 @@ TEST(GMDSS, TheStationHoldsWhatConcernsTheRadio) {
   ASSERT_EQ(station.operators.size(), 1U);
   EXPECT_EQ(station.operators[0].name, "Jonas Lindqvist");
   EXPECT_EQ(station.operators[0].certificate.certNumber, "GOC 1");
+}
+
+TEST(GMDSS, ASpreadsheetWithoutTimesOfEntryTakesThoseOfTheTests) {
+  const auto read = recordsFromCsv<GMDSSTestLog>(
+      "Date,Test,Result,Performed by\n2026-11-10 09:00,Weekly DSC Test Call,Pass with notes,Zoë\n", kVessel, kRome);
+  ASSERT_EQ(read.records.size(), 1U);
+  EXPECT_EQ(read.records[0].testType, weeklyDSCTest);
+  EXPECT_EQ(read.records[0].result, GMDSSTestResult::passWithNotes);
+  EXPECT_EQ(read.records[0].date, at("2026-11-10T08:00:00Z"));
+  EXPECT_EQ(read.records[0].createdAt, read.records[0].date);
 }
 
 TEST(DemoRadioLog, TheYachtsDifferAndNothingLiesInTheFuture) {

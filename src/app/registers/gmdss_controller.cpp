@@ -40,7 +40,7 @@ void GMDSSController::describeMore(const GMDSSTestLog& test, QVariantMap& descri
   for (const GMDSSDue& due : station.dues)
     standings.append(QVariantMap{{QStringLiteral("name"), toQt(displayText(due.test))},
                                  {QStringLiteral("standing"), toQt(displayText(due.standing))},
-                                 {QStringLiteral("nextDue"), day("due ", due.nextDue)}});
+                                 {QStringLiteral("nextDue"), day("", due.nextDue)}});
   QVariantList operators;
   for (const auto& [name, certificate] : station.operators)
     operators.append(QVariantMap{{QStringLiteral("name"), toQt(name)},
