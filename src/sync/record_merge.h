@@ -31,6 +31,9 @@ struct Merge {
   /// names an element that one side took out and the other changed.
   std::vector<std::string> conflicts;
   bool mineKept = true;  ///< whose value stands where they conflict
+  /// What did not stand: the other side's record, with the elements that one side took out as the other had changed
+  /// them.
+  T lost;
 };
 
 namespace merge_detail {
@@ -66,31 +69,34 @@ constexpr bool countsUp(std::string_view name) {
   }
 }
 
+/// `lost` is the side that gives way, and takes what else does not stand.
 template <class V>
-V mergeValue(Run& run, const std::string& path, const V* base, const V& mine, const V& theirs);
+V mergeValue(Run& run, const std::string& path, const V* base, const V& mine, const V& theirs, V* lost);
 
-template <class T>
-const T* findById(const std::vector<T>& list, const Uuid& id) {
-  const auto found = std::ranges::find(list, id, &T::id);
+template <class List>
+auto* findById(List& list, const Uuid& id) {
+  const auto found = std::ranges::find(list, id, &List::value_type::id);
   return found == list.end() ? nullptr : &*found;
 }
 
 /// An element that one side took out stays out; that the other changed it is told.
 template <Identified T>
 std::vector<T> mergeElements(Run& run, const std::string& path, const std::vector<T>* base, const std::vector<T>& mine,
-                             const std::vector<T>& theirs) {
+                             const std::vector<T>& theirs, std::vector<T>* lost) {
   std::vector<T> merged;
   const auto consider = [&](const T& element, const std::vector<T>& others, bool isMine) {
     const T* before = base ? findById(*base, element.id) : nullptr;
     const T* other = findById(others, element.id);
     const std::string place = path + '/' + element.id.toString() + '/';
     if (other) {
-      merged.push_back(isMine ? mergeValue(run, place, before, element, *other)
-                              : mergeValue(run, place, before, *other, element));
+      T* inLost = lost ? findById(*lost, element.id) : nullptr;
+      merged.push_back(isMine ? mergeValue(run, place, before, element, *other, inLost)
+                              : mergeValue(run, place, before, *other, element, inLost));
     } else if (!before) {
       merged.push_back(element);
     } else if (!(*before == element)) {
       run.conflicts.push_back(place);
+      if (lost && !findById(*lost, element.id)) lost->push_back(element);
     }
   };
   for (const T& element : theirs) consider(element, mine, false);
@@ -123,7 +129,8 @@ std::map<K, V> mergeMap(Run& run, const std::string& path, const std::map<K, V>*
   std::map<K, V> merged;
   const auto consider = [&](const K& key) {
     const std::optional<V> before = base ? at(*base, key) : std::nullopt;
-    if (auto value = mergeValue(run, path, base ? &before : nullptr, at(mine, key), at(theirs, key)))
+    if (auto value =
+            mergeValue<std::optional<V>>(run, path, base ? &before : nullptr, at(mine, key), at(theirs, key), nullptr))
       merged.emplace(key, *std::move(value));
   };
   for (const auto& entry : theirs) consider(entry.first);
@@ -133,7 +140,7 @@ std::map<K, V> mergeMap(Run& run, const std::string& path, const std::map<K, V>*
 }
 
 template <class T>
-T mergeFields(Run& run, const std::string& path, const T* base, const T& mine, const T& theirs) {
+T mergeFields(Run& run, const std::string& path, const T* base, const T& mine, const T& theirs, T* lost) {
   T merged = mine;
   boost::mp11::mp_for_each<FieldList<T>>([&](auto field) {
     constexpr std::string_view name = field.name;
@@ -149,21 +156,22 @@ T mergeFields(Run& run, const std::string& path, const T* base, const T& mine, c
     if constexpr (name == "updatedAt" || name == "engineHoursUpdatedAt") {
       merged.*field.pointer = std::max(own, other);
     } else {
-      merged.*field.pointer = mergeValue(run, path + std::string(name), before, own, other);
+      merged.*field.pointer =
+          mergeValue(run, path + std::string(name), before, own, other, lost ? &(lost->*field.pointer) : nullptr);
     }
   });
   return merged;
 }
 
 template <class V>
-V mergeValue(Run& run, const std::string& path, const V* base, const V& mine, const V& theirs) {
+V mergeValue(Run& run, const std::string& path, const V* base, const V& mine, const V& theirs, V* lost) {
   if (mine == theirs || (base && theirs == *base)) return mine;
   if (base && mine == *base) return theirs;
   if constexpr (DescribedRecord<V>) {
-    return mergeFields(run, path, base, mine, theirs);
+    return mergeFields(run, path, base, mine, theirs, lost);
   } else if constexpr (isVector<V>) {
     if constexpr (Identified<typename V::value_type>) {
-      return mergeElements(run, path, base, mine, theirs);
+      return mergeElements(run, path, base, mine, theirs, lost);
     } else {
       return mergeSet(base, mine, theirs);
     }
@@ -189,10 +197,11 @@ Merge<T> mergeRecords(const T* base, const T& mine, const MergeSide& mySide, con
   // One user on two computers within one second: the greater record, as both write it.
   const bool mineKept = order == 0 ? toJson(mine, JsonFields::full) >= toJson(theirs, JsonFields::full) : order > 0;
   merge_detail::Run run{.mineKept = mineKept, .conflicts = {}};
-  T record = merge_detail::mergeFields(run, {}, base, mine, theirs);
+  T lost = mineKept ? theirs : mine;
+  T record = merge_detail::mergeFields(run, {}, base, mine, theirs, &lost);
   std::ranges::sort(run.conflicts);
   run.conflicts.erase(std::ranges::unique(run.conflicts).begin(), run.conflicts.end());
-  return {std::move(record), std::move(run.conflicts), run.mineKept};
+  return {std::move(record), std::move(run.conflicts), run.mineKept, std::move(lost)};
 }
 
 }  // namespace thalvorn

@@ -180,9 +180,8 @@ FromBackend<T> settle(const SyncRun& run, const Unsent<T>& ours, const ReceivedR
   const MergeSide other = theirSide(run, theirs);
   Merge<T> merge = mergeRecords(ours.base ? &*ours.base : nullptr, *ours.current, mine, theirs.record, other);
   if (!merge.conflicts.empty()) {
-    const T& lost = merge.mineKept ? theirs.record : *ours.current;
-    addNote<T>(notes, conflictNote(merge.record, merge.mineKept ? mine : other, lost, merge.mineKept ? other : mine,
-                                   std::move(merge.conflicts), run.client.serverNow()));
+    addNote<T>(notes, conflictNote(merge.record, merge.mineKept ? mine : other, merge.lost,
+                                   merge.mineKept ? other : mine, std::move(merge.conflicts), run.client.serverNow()));
   }
   return {.id = ours.id, .theirs = theirs.record, .merged = std::move(merge.record)};
 }

@@ -111,6 +111,13 @@ TEST(RecordMerge, MergesSubRecordsByElementAndMapsByKey) {
   EXPECT_EQ(merge.record.workOrders[1].id, added.id);
   EXPECT_EQ(merge.conflicts, std::vector<std::string>{"workOrders/" + base.workOrders[2].id.toString() + "/"})
       << "taken out by one, changed by the other";
+  // Whoever was later, the note keeps what was changed in it.
+  for (const auto& either : {merge, mergeRecords(&base, ben, kBen, ada, kAda),
+                             mergeRecords(&base, ada, kBen, ben, kAda), mergeRecords(&base, ben, kAda, ada, kBen)}) {
+    const auto kept = std::ranges::find(either.lost.workOrders, base.workOrders[2].id, &WorkOrder::id);
+    ASSERT_NE(kept, either.lost.workOrders.end());
+    EXPECT_EQ(kept->notes, "aft deck only");
+  }
 
   AccountMember member;
   member.id = Uuid::random();

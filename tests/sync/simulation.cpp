@@ -194,28 +194,33 @@ void Simulation::supersede(const std::string& text) {
     token = text.find(token->first) == std::string::npos ? std::next(token) : owed_.erase(token);
 }
 
-std::vector<MaintenanceTask> Simulation::tasksOf(const SimulatedClient& client) const {
-  const auto all = client.model->tasks().records();
-  std::vector<MaintenanceTask> tasks(all.begin(), all.end());
+template <class T>
+std::vector<T> Simulation::recordsOf(const SimulatedClient& client) const {
+  const auto all = client.model->collection<T>().records();
+  std::vector<T> records(all.begin(), all.end());
   if (age_ == ServerAge::oldest)
-    std::erase_if(tasks, [&](const MaintenanceTask& task) { return tasksMade_.at(task.id) != client.name; });
-  return tasks;
+    std::erase_if(records, [&](const T& record) { return made_.at(record.id) != client.name; });
+  return records;
+}
+
+template <class T>
+void Simulation::add(SimulatedClient& client, T record) {
+  record.id = newID();
+  made_[record.id] = client.name;
+  if constexpr (requires { record.vesselID; }) record.vesselID = vessel_;
+  saved(client.model->add(std::move(record)));
 }
 
 void Simulation::edit(SimulatedClient& client) {
   AppViewModel& model = *client.model;
-  const std::vector<MaintenanceTask> tasks = tasksOf(client);
-  const int what = number(12);
-  const auto any = [&] { return tasks[static_cast<std::size_t>(number(static_cast<int>(tasks.size())))]; };
+  const std::vector<MaintenanceTask> tasks = recordsOf<MaintenanceTask>(client);
+  const int what = number(18);
   if (tasks.empty() || what < 3) {
-    MaintenanceTask task{.id = newID(), .vesselID = vessel_};
-    task.title = newToken(client, "new task " + task.id.toString());
-    tasksMade_[task.id] = client.name;
-    saved(model.add(task));
+    add(client, MaintenanceTask{.title = newToken(client, "new task")});
   } else if (what < 9) {
-    changeTask(client, any());
+    changeTask(client, any(tasks));
   } else if (what == 9) {
-    const MaintenanceTask task = any();
+    const MaintenanceTask task = any(tasks);
     supersede(toJson(task, JsonFields::full));
     deleted_.insert(task.id);
     tell(client, "deletes " + task.id.toString());
@@ -226,15 +231,69 @@ void Simulation::edit(SimulatedClient& client) {
     supersede(vessel.notes);
     vessel.notes = newToken(client, "vessel notes over " + vessel.notes);
     saved(model.update(vessel));
-  } else {
+  } else if (what == 11) {
     ServiceLog log;
-    log.id = newID();
-    log.vesselID = vessel_;
-    log.taskID = any().id;
-    log.technicianNotes = newToken(client, "log " + log.id.toString());
+    log.taskID = any(tasks).id;
+    log.technicianNotes = newToken(client, "log");
     log.completedDate = model.now();
-    saved(model.add(log));
+    add(client, std::move(log));
+  } else if (what < 14) {
+    editElements(client, &YardPeriod::workOrders, &WorkOrder::notes);
+  } else if (what < 16) {
+    editElements(client, &ShipsLogEntry::tripLog, &TripLogEntry::text);
+  } else {
+    editPost(client);
   }
+}
+
+template <class T, class Element>
+void Simulation::editElements(SimulatedClient& client, std::vector<Element> T::* list, std::string Element::* text) {
+  const std::vector<T> records = recordsOf<T>(client);
+  if (records.empty()) {
+    tell(client, "opens " + std::string(RecordKind<T>::facts.table));
+    return add(client, T{});
+  }
+  T record = any(records);
+  std::vector<Element>& elements = record.*list;
+  const std::string where = std::string(RecordKind<T>::facts.table) + ' ' + record.id.toString();
+  const int what = elements.empty() ? 0 : number(5);
+  if (what < 2) {
+    Element element;
+    element.id = newID();
+    if constexpr (requires { element.yardPeriodID; }) {
+      element.yardPeriodID = record.id;
+      element.vesselID = vessel_;
+    }
+    element.*text = newToken(client, "new in " + where);
+    elements.push_back(std::move(element));
+  } else {
+    const auto place = elements.begin() + number(static_cast<int>(elements.size()));
+    supersede((*place).*text);
+    if (what < 4) {
+      (*place).*text = newToken(client, where + '/' + place->id.toString() + " over " + (*place).*text);
+    } else {
+      tell(client, "takes out " + place->id.toString() + " of " + where);
+      elements.erase(place);
+    }
+  }
+  saved(client.model->update(std::move(record)));
+}
+
+void Simulation::editPost(SimulatedClient& client) {
+  const std::vector<CrewBoardPost> posts = recordsOf<CrewBoardPost>(client);
+  const std::string user = client.cloud->userID().toStdString();
+  if (posts.empty() || number(3) == 0)
+    return add(client, CrewBoardPost{.userID = user, .body = newToken(client, "new post")});
+  CrewBoardPost post = any(posts);
+  if (number(2) == 0) {
+    supersede(post.body);
+    post.body = newToken(client, "post " + post.id.toString() + " over " + post.body);
+  } else if (std::ranges::find(post.acknowledgments, user) == post.acknowledgments.end()) {
+    tell(client, "acknowledges " + post.id.toString());
+    post.acknowledgments.push_back(user);
+    acknowledged_.emplace(post.id, user);
+  }
+  saved(client.model->update(std::move(post)));
 }
 
 void Simulation::changeTask(SimulatedClient& client, MaintenanceTask task) {
@@ -305,6 +364,13 @@ void Simulation::checkTokens() {
     for (const auto& [key, json] : everything(*client->model)) all += json + "\n";
   for (const auto& [token, what] : owed_)
     if (all.find(token) == std::string::npos) faults_.push_back("lost " + token + ", " + what);
+  if (age_ != ServerAge::oldest) {
+    for (const auto& [post, user] : acknowledged_) {
+      const CrewBoardPost* shown = clients_[0]->model->crewBoardPosts().find(post);
+      if (!shown || std::ranges::find(shown->acknowledgments, user) == shown->acknowledgments.end())
+        faults_.push_back("lost that " + user + " acknowledged post " + post.toString());
+    }
+  }
   if (!faults_.empty()) qCInfo(simulationLog, "at the end\n%s", all.c_str());
   for (const Uuid& id : deleted_)
     if (clients_[0]->model->tasks().find(id)) faults_.push_back("came back: task " + id.toString());

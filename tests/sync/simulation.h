@@ -86,9 +86,20 @@ class Simulation {
   bool enter();
   void step();
   void edit(SimulatedClient& client);
-  /// Tasks that this client may change: those it made, where the server does not guard one edit against another.
-  std::vector<MaintenanceTask> tasksOf(const SimulatedClient& client) const;
+  /// What this client may change: what it made, where the server does not guard one edit against another.
+  template <class T>
+  std::vector<T> recordsOf(const SimulatedClient& client) const;
+  template <class T>
+  T any(const std::vector<T>& records) {
+    return records[static_cast<std::size_t>(number(static_cast<int>(records.size())))];
+  }
+  template <class T>
+  void add(SimulatedClient& client, T record);
   void changeTask(SimulatedClient& client, MaintenanceTask task);
+  /// Adds an element to a list of one of the client's records, changes one, or takes one out.
+  template <class T, class Element>
+  void editElements(SimulatedClient& client, std::vector<Element> T::* list, std::string Element::* text);
+  void editPost(SimulatedClient& client);
   /// From the seed, so that ties fall alike each time.
   Uuid newID();
   std::string newToken(const SimulatedClient& client, const std::string& what);
@@ -108,8 +119,10 @@ class Simulation {
   int edits_ = 0;
   /// What was entered, and has not been replaced by someone who saw it: by token, where.
   std::map<std::string, std::string> owed_;
-  std::set<Uuid> deleted_;                 ///< by someone who meant it
-  std::map<Uuid, std::string> tasksMade_;  ///< by whom
+  std::set<Uuid> deleted_;            ///< by someone who meant it
+  std::map<Uuid, std::string> made_;  ///< by whom
+  /// Users who have acknowledged a post, each a user id in that post.
+  std::set<std::pair<Uuid, std::string>> acknowledged_;
   std::vector<std::string> faults_;
 };
 
