@@ -59,7 +59,8 @@ ColumnLayout {
             delegate: Fact {
                 required property int index
                 readonly property var fact: root.facts[index] ?? ({ label: "", value: "", note: "" })
-                width: (grid.width - grid.columnSpacing * (grid.columns - 1)) / grid.columns
+                // Not of the grid's own width, which follows its cells until the layout has set it.
+                width: (root.width - grid.columnSpacing * (grid.columns - 1)) / grid.columns
                 label: fact.label
                 value: fact.value
                 note: fact.note
