@@ -26,6 +26,14 @@ begin
     ('foreign upsert', format('insert into storage.objects (bucket_id, name) values (%L, %L) on conflict (bucket_id, name) do update set version = ''2''', bucket, foreign_file)),
     ('foreign insert', format('insert into storage.objects (bucket_id, name) values (%L, %L)', bucket, test.thing('B vessels') || '/photo.jpg')),
     ('without folder', format('insert into storage.objects (bucket_id, name) values (%L, ''photo.jpg'')', bucket)),
+    ('up and down', format('insert into storage.objects (bucket_id, name) values (%L, %L)', bucket, test.thing('A') || '/../' || foreign_file)),
+    ('two slashes', format('insert into storage.objects (bucket_id, name) values (%L, %L)', bucket, test.thing('A') || '//photo.jpg')),
+    ('dot', format('insert into storage.objects (bucket_id, name) values (%L, %L)', bucket, test.thing('A') || '/./photo.jpg')),
+    ('two dots', format('insert into storage.objects (bucket_id, name) values (%L, %L)', bucket, test.thing('A') || '/record/..')),
+    ('no file', format('insert into storage.objects (bucket_id, name) values (%L, %L)', bucket, test.thing('A') || '/record/')),
+    ('dots in a name', format('insert into storage.objects (bucket_id, name) values (%L, %L)', bucket, test.thing('A') || '/record/..a. b..jpg')),
+    ('upwards', format('update storage.objects set name = %L where bucket_id = %L and name = %L', test.thing('A') || '/../' || foreign_file, bucket, own)),
+    ('no such bucket', format('update storage.objects set bucket_id = ''another'' where bucket_id = %L and name = %L', bucket, own)),
     ('wrong folder', format('insert into storage.objects (bucket_id, name) values (%L, ''no-uuid/photo.jpg'')', bucket)),
     ('update', format('update storage.objects set version = ''2'' where bucket_id = %L', bucket)),
     ('give away', format('update storage.objects set name = %L where bucket_id = %L and name = %L', test.thing('B') || '/record/given.jpg', bucket, own)),
@@ -40,7 +48,8 @@ $$;
 create function test.expected(modules text[], who text) returns jsonb language sql as $$
   select jsonb_build_object('select', case when readable then '2' else '0' end, 'foreign select', '0', 'insert', added,
     'insert for vessel', added, 'upsert', added, 'foreign upsert', '42501', 'foreign insert', '42501', 'without folder', '42501',
-    'wrong folder', '42501', 'update', case when writable then '2' else '0' end,
+    'wrong folder', '42501', 'up and down', '42501', 'two slashes', '42501', 'dot', '42501', 'two dots', '42501', 'no file', '42501',
+    'dots in a name', added, 'upwards', case when writable then '42501' else '0' end, 'no such bucket', case when writable then '42501' else '0' end, 'update', case when writable then '2' else '0' end,
     'give away', case when writable then '42501' else '0' end,
     'delete', case when writable then '1' else '0' end, 'foreign delete', '0')
   from (select who in ('owner', 'admin', 'editor', 'viewer', 'newer', 'readonly') or who = 'hidden' and modules = '{}' as readable,
@@ -83,6 +92,28 @@ select test.become('editor');
 delete from public.vessels where account_id = test.thing('A');
 select is(test.try('editor', format('delete from storage.objects where bucket_id = ''vessel_photos'' and name like %L', test.thing('A vessels') || '/%')), '1',
   'files of a deleted vessel');
+-- A vessel opens no folder but her own: not an account's, and none that has been another account's, now or before.
+select test.become('postgres');
+create function test.add_vessel(who text, id uuid, account text default 'A') returns text language sql as $$
+  select test.try(who, test.insert_sql('vessels', sent), sent) from (select test.row('vessels', account, id)) as rows (sent)
+$$;
+select test.become('stranger');
+insert into public.vessels (id, account_id) values ('5f0c7d1e-0000-4000-8000-000000000003', test.thing('B'));
+delete from public.vessels where id = '5f0c7d1e-0000-4000-8000-000000000003';
+select is(test.add_vessel('editor', test.thing('B')), '23505', 'no vessel with the identifier of another account'),
+       is(test.add_vessel('editor', test.thing('A')), '1', 'one with that of the own account takes nothing'),
+       is(test.add_vessel('editor', test.thing('B vessels')), '23505', 'none with that of another account''s vessel'),
+       is(test.add_vessel('editor', '5f0c7d1e-0000-4000-8000-000000000003'), '23505', 'nor when the vessel is gone'),
+       is(test.add_vessel('editor', gen_random_uuid()), '1', 'a new one is her account''s'),
+       is(test.try('service_role', format('insert into public.accounts (id) values (%L)', test.thing('B vessels'))), '23505',
+          'no account with the identifier of a vessel');
+select test.become('postgres');
+alter table public.vessels disable trigger take_folder;
+insert into public.vessels (id, account_id, user_id) values (test.thing('B'), test.thing('A'), test.person('editor'));
+alter table public.vessels enable trigger take_folder;
+select is(test.try('editor', format('select from storage.objects where name like %L', test.thing('B') || '/%')), '0',
+  'a vessel that has had such an identifier from before shows nothing');
+
 -- Without the file service nothing is deleted.
 select test.become('postgres');
 set local storage.allow_delete_query = 'false';

@@ -77,6 +77,10 @@ from (values
   ('admin', 'created_at = ''2020-01-01''', 'editor', '1'), ('admin', 'is_active = true', 'inactive', '1'),
   ('admin', 'module_overrides = ''{"crew": "hidden"}''', 'editor', '1'), ('owner', 'is_active = false', 'admin', '1'))
   changes (who, change, whom, outcome);
+select is(test.try(who, format('update public.account_members set module_overrides = %L where id = %L', overrides, test.member('editor'))), outcome,
+          who || ' setting ' || overrides)
+from (values ('admin', '{"crew": "of a newer program"}', '1'), ('admin', '{"crew": {"x": 1}}', '22023'), ('admin', '{"crew": null}', '22023'),
+  ('admin', '{"crew": ["hidden"]}', '22023'), ('admin', '[]', '23514'), ('service_role', '{"crew": 1}', '22023')) changes (who, overrides, outcome);
 select is(test.try('admin', format('delete from public.account_members where id = %L', test.member('owner'))), '42501',
           'the owner is not removed'),
        is(test.try('owner', format('delete from public.account_members where id = %L', test.member('owner'))), '42501',
@@ -152,7 +156,12 @@ from (values
   ('crewLeave', '{"extended_json": "{\"passportNumber\":\"P2\",\"employmentStatus\":\"active\"}"}', '1'),
   ('crewDocs', '{"extended_json": "{\"passportNumber\":\"P2\",\"employmentStatus\":\"active\"}"}', '42501'),
   ('crewDocs', '{"extended_json": "{\"passportNumber\":\"P1\",\"employmentStatus\":\"onLeave\",\"bankIban\":\"X\"}"}', '1'),
-  ('crewDocs', '{"extended_json": "{broken"}', '42501'), ('crewCerts', '{"extended_json": "{broken"}', '1'))
+  ('crewDocs', '{"extended_json": "{broken"}', '42501'), ('crewCerts', '{"extended_json": "{broken"}', '1'),
+  -- Of two values for one key, however it is spelt, some readers take the first.
+  ('crewDocs', '{"extended_json": "{\"passportNumber\":\"X\",\"employmentStatus\":\"active\",\"passportNumbe\\u0072\":\"P1\"}"}', '42501'),
+  ('crewLeave', '{"extended_json": "{\"passportNumber\":\"P1\",\"bank\":{\"iban\":\"1\",\"iban\":\"2\"}}"}', '42501'),
+  ('crewCerts', '{"certifications_json": "[{\"id\":\"2\",\"id\":\"1\"}]"}', '42501'),
+  ('crewLeave', '{"certifications_json": "[{\"id\":\"2\",\"id\":\"1\"}]"}', '1'))
   changes (part, changes, outcome);
 -- A new crew member: nothing may stand in the closed part.
 create function test.new_crew(part text, changes jsonb) returns text language plpgsql as $$
@@ -164,6 +173,46 @@ $$;
 select is(test.new_crew('crewCerts', '{"certifications_json": "[{}]"}'), '42501', 'no new crew member with certificates'),
        is(test.new_crew('crewDocs', '{"extended_json": "{\"passportNumber\":\"\",\"employmentStatus\":\"active\"}"}'), '1',
           'an empty part is no change');
+
+-- Who may not write what hangs on a record does not delete it with the record.
+create function test.without(overrides jsonb, statement text) returns text language plpgsql as $$
+declare
+  outcome text;
+begin
+  update public.account_members set module_overrides = overrides where user_id = test.person('editor');
+  outcome := test.try('editor', statement);
+  update public.account_members set module_overrides = '{}' where user_id = test.person('editor');
+  return outcome;
+end
+$$;
+select is(test.without(overrides, format('delete from public.crew_members where id = %L', test.thing('A crew_members'))), outcome,
+          format('deleting a crew member with %s', overrides))
+from (values ('{}'::jsonb, '1'), ('{"crewCerts": "readOnly"}', '42501'), ('{"crewDocs": "hidden"}', '42501'), ('{"crewLeave": "readOnly"}', '1'),
+  ('{"guests": "hidden"}', '1')) people (overrides, outcome);
+select is(test.without(jsonb_build_object(module, access), format('delete from public.vessels where id = %L', test.thing('A vessels'))), outcome,
+          format('deleting a vessel with %s %s', module, access))
+from (values ('guests', 'hidden', '42501'), ('marpol', 'readOnly', '42501'), ('ism', 'readOnly', '42501'), ('voyage', 'of a newer program', '42501'),
+  ('subscriptions', 'hidden', '1'), ('crewCerts', 'readOnly', '42501'), ('crewDocs', 'readOnly', '42501'), ('crewLeave', 'readOnly', '1'),
+  ('admin', 'hidden', '1'), ('guests', 'inherit', '1')) people (module, access, outcome);
+update public.subscription_accounts set vessel_id = test.thing('A vessels') where account_id = test.thing('A');
+select is(test.without('{"subscriptions": "hidden"}', format('delete from public.vessels where id = %L', test.thing('A vessels'))), '42501',
+          'also where a record may do without a vessel');
+update public.subscription_accounts set vessel_id = null;
+delete from public.guest_profiles where account_id = test.thing('A');
+select is(test.without('{"guests": "hidden"}', format('delete from public.vessels where id = %L', test.thing('A vessels'))), '1',
+          'a vessel without any such record goes'),
+       is(test.without('{"guests": "hidden"}', 'delete from public.vessels'), '1', 'as one of all');
+
+-- Taking back: what others deleted may have held more than this person may write.
+delete from public.crew_members where account_id = test.thing('A');
+create function test.taken_back(overrides jsonb) returns text language sql as $$
+  select test.without(overrides, format('select from generate_series(1, public.undelete_records(%L, ''crew_members'', %L))',
+    test.thing('A'), array[test.thing('A crew_members')]))
+$$;
+select is(test.taken_back('{"crewCerts": "readOnly"}'), '0', 'a crew member whom another deleted is left to who may write all of him'),
+       is(test.taken_back('{}'), '1', 'who takes him back');
+update public.deleted_records set deleted_by = test.person('editor') where record_id = test.thing('A crew_members');
+select is(test.taken_back('{"crewCerts": "readOnly"}'), '1', 'who deleted a crew member takes him back');
 
 -- A person who goes leaves his records to the owner; an owner stays.
 update public.vessels set user_id = test.person('editor') where account_id = test.thing('A');

@@ -50,14 +50,35 @@ select is((select count(*) from public.account_members where is_active), 3::bigi
 -- What is no invitation.
 select is(test.refusal('captain', format('select public.invite_team_member(%L, ''X'', %L)', address, role)), message, message)
 from (values ('mate', 'editor', 'This is not an e-mail address.'), ('a b@c.com', 'editor', 'This is not an e-mail address.'),
-  (null, 'editor', 'This is not an e-mail address.'), ('x@y.com', 'owner', 'There is no role named owner.'),
+  (null, 'editor', 'This is not an e-mail address.'), ('x@y.com', 'Owner', 'There is no role named Owner.'), ('x@y.com', 'a b', 'There is no role named a b.'),
   ('x@y.com', null, 'There is no role named null.')) invitations (address, role, message);
 select is(test.try(who, $$select public.invite_team_member('x@y.com', 'X', 'viewOnly')$$), outcome, who || ' inviting: ' || outcome)
 from (values ('owner', '1'), ('admin', '1'), ('editor', '42501'), ('viewer', '42501'), ('hidden', '42501'), ('readonly', '42501'),
   ('inactive', '42501'), ('newcomer', '42501'), ('anon', '42501')) invitations (who, outcome);
 select is(test.try('owner', format($$select public.invite_team_member('x@y.com', 'X', 'viewOnly', %L)$$, test.thing('B'))), '42501',
   'no invitation into another account');
-select is((select (public.invite_team_member('captain@example.com', 'Me', 'editor')).is_owner), true, 'who is in already stays what he is');
+-- Who is in already.
+select is(test.refusal('owner', $$select public.invite_team_member('Editor@Example.com', 'Eve', 'admin')$$), 'editor is a member of this account already.',
+  'a member is not invited again'),
+       is(test.refusal('admin', $$select public.invite_team_member('owner@example.com', 'Me', 'editor')$$), 'owner is a member of this account already.',
+  'nor is the owner');
+select test.become('owner');
+select results_eq($$select user_id, name, role, is_active from public.invite_team_member('inactive@example.com', ' ', 'editor')$$,
+  $$select test.person('inactive'), 'inactive', 'editor', true$$, 'who was switched off is let in again');
+select is((public.invite_team_member('pilot@example.com', 'Pilot', 'harbourPilot')).role, 'harbourPilot', 'a role of a newer program is kept');
+select test.become('postgres');
+update public.account_members set is_active = false, role = 'admin' where user_id = test.person('inactive');
+update public.accounts set plan = 'none', additional_seats = (select count(*) from public.account_members where account_id = test.thing('A') and is_active) - 1
+where id = test.thing('A');
+select matches(test.refusal('owner', $$select public.invite_team_member('inactive@example.com', '', 'editor')$$), 'seats on your plan',
+  'when there is a seat for him');
+update public.account_members set is_owner = false where user_id = test.person('owner');
+update public.account_members set is_owner = true, is_active = false where user_id = test.person('admin');
+select is(test.refusal('owner', $$select public.invite_team_member('admin@example.com', '', 'viewOnly')$$), 'admin is a member of this account already.',
+  'an owner who was switched off is not lowered by an invitation');
+update public.account_members set is_owner = false, is_active = true where user_id = test.person('admin');
+update public.account_members set is_owner = true where user_id = test.person('owner');
+update public.accounts set plan = 'superyacht', additional_seats = null where id = test.thing('A');
 
 -- Claiming.
 select test.become('cook');
@@ -83,6 +104,24 @@ select is(public.claim_pending_invite() ->> 'accountId', test.thing('A')::text, 
        is(public.claim_pending_invite() ->> 'accountId', test.thing('A')::text, 'the same again');
 select set_eq('select account_id from public.account_members where user_id = auth.uid()',
   format('values (%L::uuid), (%L::uuid)', test.thing('A'), :'c'), 'a member of both');
+
+-- Where he administers several, he invites into the newest, and into his own if there is one.
+select test.become('postgres');
+update public.account_members set role = 'admin' where user_id = test.person('mate');
+select test.become('mate');
+select is((public.invite_team_member('bosun@example.com', 'Bosun', 'editor')).account_id, test.thing('A'), 'an invitation into the newest account'),
+       is(public.bootstrap_own_account() ->> 'accountId', test.thing('A')::text, 'it is the one he is led to');
+select test.become('postgres');
+update public.account_members set created_at = now() - interval '1 day' where user_id = test.person('captain');
+insert into public.account_members (account_id, user_id, name, role) values (test.thing('A'), test.person('captain'), 'captain', 'admin');
+select test.become('captain');
+select is((public.invite_team_member('purser@example.com', 'Purser', 'editor', test.thing('A'))).account_id, test.thing('A'),
+          'into the account that is named');
+select test.become('postgres');
+select matches(test.refusal('captain', $$select public.invite_team_member('stoker@example.com', 'Stoker', 'editor')$$), '^3 of 3 seats',
+          'else into his own, which is full');
+select test.become('captain');
+select is(public.bootstrap_own_account() ->> 'accountId', :'c', 'an owner is led to his own');
 
 -- An invitation to a second address of a member holds no seat once it is found out.
 select test.become('captain');

@@ -77,6 +77,26 @@ from private.registers;
 select is(test.try('service_role', test.upsert_sql(table_name, fresh), fresh), '1', table_name || ': the service writes')
 from private.registers, lateral (select test.row(table_name, 'A', gen_random_uuid())) sent (fresh);
 
+-- Whoever a row names as its writer, it is who sends it; a post keeps its author.
+create function test.writer(who text, register text, sent jsonb) returns uuid language plpgsql as $$
+declare
+  writer uuid;
+begin
+  perform test.become(who);
+  execute test.upsert_sql(register, sent) using sent;
+  execute format('select user_id from public.%I where id = $1', register) into writer using (sent ->> 'id')::uuid;
+  raise sqlstate 'UNDO0' using message = writer;
+exception when sqlstate 'UNDO0' then return sqlerrm;
+end
+$$;
+select is(test.writer('editor', table_name, sent || jsonb_build_object('user_id', test.person('stranger'))), test.person('editor'),
+          table_name || ': the writer of a new row'),
+       is(test.writer('editor', table_name, test.row(table_name, 'A', test.thing('A ' || table_name))),
+          test.person(case table_name when 'crew_board_posts' then 'owner' else 'editor' end), table_name || ': the writer of a changed row'),
+       is(test.writer('service_role', table_name, sent || jsonb_build_object('user_id', test.person('viewer'))), test.person('viewer'),
+          table_name || ': the service names whom it likes')
+from private.registers, lateral (select test.row(table_name, 'A', gen_random_uuid())) fresh (sent);
+
 -- Which override rules which table, one module at a time.
 create function test.tables_closed_by(module text) returns text[] language plpgsql as $$
 declare

@@ -98,6 +98,27 @@ update public.conflict_notes set table_name = 'guest_profiles' where account_id 
 select is(test.try(who, $$select from public.conflict_notes where account_id = test.thing('A')$$), outcome,
           'conflict notes of a register are seen as the register is: ' || who)
 from (values ('viewer', '1'), ('readonly', '1'), ('hidden', '0'), ('inactive', '0'), ('stranger', '0'), ('anon', '42501')) people (who, outcome);
+-- It is written by who may write that register, whatever the note was about before.
+select test.become('postgres');
+create function test.notes_written(register text, overrides jsonb) returns text[] language plpgsql as $$
+declare
+  sent jsonb := test.row('conflict_notes', 'A', gen_random_uuid()) || jsonb_build_object('table_name', register);
+  outcomes text[];
+begin
+  update public.account_members set module_overrides = overrides where user_id = test.person('editor');
+  update public.conflict_notes set table_name = register where account_id = test.thing('A');
+  outcomes := array[test.try('editor', test.insert_sql('conflict_notes', sent), sent), test.try('editor', 'update public.conflict_notes set settled = true'),
+    test.try('editor', 'delete from public.conflict_notes')];
+  update public.conflict_notes set table_name = 'equipment' where account_id = test.thing('A');
+  outcomes := outcomes || test.try('editor', format('update public.conflict_notes set table_name = %L', register));
+  update public.account_members set module_overrides = '{}' where user_id = test.person('editor');
+  return outcomes;
+end
+$$;
+select is(test.notes_written(register, overrides), outcomes::text[], format('conflict notes of %s with %s', register, overrides))
+from (values ('maintenance_tasks', '{"tasks": "readOnly"}'::jsonb, '{42501,0,0,42501}'), ('guest_profiles', '{"guests": "hidden"}', '{42501,0,0,42501}'),
+  ('guest_profiles', '{"tasks": "readOnly"}', '{1,1,1,1}'), ('crew_board_posts', '{"tasks": "readOnly"}', '{1,1,1,1}'),
+  ('of_a_newer_program', '{"tasks": "readOnly"}', '{1,1,1,1}')) notes (register, overrides, outcomes);
 select is(test.try('owner', statement), '42501', statement)
 from (values ('delete from public.deleted_records'), ('insert into public.deleted_records values (null)'), ('update public.deleted_records set record_id = null'),
   ('delete from public.account_changes'), ('update public.account_changes set version = 0')) statements (statement);

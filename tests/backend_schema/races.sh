@@ -12,12 +12,15 @@ vessel=b0000000-0000-4000-8000-000000000001
 task=c0000000-0000-4000-8000-000000000001
 owner=d0000000-0000-4000-8000-000000000001
 newcomer=d0000000-0000-4000-8000-000000000002
+member=e0000000-0000-4000-8000-000000000001
+post=f0000000-0000-4000-8000-000000000001
 "${quiet[@]}" -v ON_ERROR_STOP=1 <<SQL
 insert into auth.users (id, email, email_confirmed_at) values ('$owner', 'owner@example.com', now()), ('$newcomer', 'newcomer@example.com', now());
 insert into public.accounts (id, name, plan) values ('$account', 'A', 'captain');
 insert into public.account_members (account_id, user_id, name, role, is_owner) values ('$account', '$owner', 'Owner', 'admin', true);
 insert into public.vessels (id, user_id, account_id) values ('$vessel', '$owner', '$account');
-insert into public.account_members (account_id, invited_email) values ('$account', 'one@example.com');
+insert into public.account_members (id, account_id, invited_email) values ('$member', '$account', 'one@example.com');
+insert into public.crew_board_posts (id, user_id, account_id) values ('$post', '$owner', '$account');
 SQL
 
 # A request of this person, until the session ends.
@@ -69,4 +72,12 @@ race 'two invitations do not share the last seat' "$owner" "select public.invite
   'ERROR:  3 of 3 seats on your plan. Add a seat to invite another user. 3'
 race 'one person gets one account' "$newcomer" 'select public.bootstrap_own_account()' \
   "select public.bootstrap_own_account() ->> 'accountId' is not null" "select count(*) from public.account_members where user_id = '$newcomer'" 't 1'
+race 'nobody slips in by the identifier of a member who is being removed' "$owner" \
+  "delete from public.account_members where id = '$member'" \
+  "insert into public.account_members (id, account_id, user_id, role) values ('$member', '$account', '$newcomer', 'admin')" \
+  "select count(*) from public.account_members where account_id = '$account'" \
+  'ERROR:  A member joins by an invitation to an e-mail address. 2'
+race 'no acknowledgment outlives its post' "$owner" "delete from public.crew_board_posts where id = '$post'" \
+  "insert into public.crew_board_acknowledgments (post_id, account_id) values ('$post', '$account')" \
+  'select count(*) from public.crew_board_acknowledgments' '0'
 exit "$failed"
