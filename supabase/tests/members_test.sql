@@ -163,6 +163,10 @@ from (values
   ('crewCerts', '{"certifications_json": "[{\"id\":\"2\",\"id\":\"1\"}]"}', '42501'),
   ('crewLeave', '{"certifications_json": "[{\"id\":\"2\",\"id\":\"1\"}]"}', '1'))
   changes (part, changes, outcome);
+update public.crew_members set extended_json = '{"passportNumber":"12","employmentStatus":"active"}' where id = test.thing('A crew_members');
+select is(test.crew('editor', 'crewDocs', '{"extended_json": "{\"passportNumber\":12,\"employmentStatus\":\"active\"}"}'), '42501',
+  'a number is not the text of its digits');
+update public.crew_members set extended_json = '{"passportNumber":"P1","employmentStatus":"active"}' where id = test.thing('A crew_members');
 -- A new crew member: nothing may stand in the closed part.
 create function test.new_crew(part text, changes jsonb) returns text language plpgsql as $$
 begin

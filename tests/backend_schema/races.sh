@@ -14,8 +14,10 @@ owner=d0000000-0000-4000-8000-000000000001
 newcomer=d0000000-0000-4000-8000-000000000002
 member=e0000000-0000-4000-8000-000000000001
 post=f0000000-0000-4000-8000-000000000001
+mate=d0000000-0000-4000-8000-000000000003
 "${quiet[@]}" -v ON_ERROR_STOP=1 <<SQL
-insert into auth.users (id, email, email_confirmed_at) values ('$owner', 'owner@example.com', now()), ('$newcomer', 'newcomer@example.com', now());
+insert into auth.users (id, email, email_confirmed_at) values ('$owner', 'owner@example.com', now()), ('$newcomer', 'newcomer@example.com', now()),
+  ('$mate', 'mate@example.com', now());
 insert into public.accounts (id, name, plan) values ('$account', 'A', 'captain');
 insert into public.account_members (account_id, user_id, name, role, is_owner) values ('$account', '$owner', 'Owner', 'admin', true);
 insert into public.vessels (id, user_id, account_id) values ('$vessel', '$owner', '$account');
@@ -80,4 +82,12 @@ race 'nobody slips in by the identifier of a member who is being removed' "$owne
 race 'no acknowledgment outlives its post' "$owner" "delete from public.crew_board_posts where id = '$post'" \
   "insert into public.crew_board_acknowledgments (post_id, account_id) values ('$post', '$account')" \
   'select count(*) from public.crew_board_acknowledgments' '0'
+# By now there is a seat for him.
+"${quiet[@]}" -v ON_ERROR_STOP=1 -c "insert into public.account_members (account_id, user_id, role, module_overrides)
+  values ('$account', '$mate', 'editor', '{\"guests\": \"hidden\"}')"
+race 'a guest who is just being added stays with her vessel' "$mate" \
+  "set local request.jwt.claims = '{\"sub\": \"$owner\", \"role\": \"authenticated\"}';
+   insert into public.guest_profiles (id, account_id, vessel_id) values (gen_random_uuid(), '$account', '$vessel')" \
+  "delete from public.vessels where id = '$vessel'" 'select count(*) from public.vessels union all select count(*) from public.guest_profiles' \
+  'ERROR:  Records that you may not change would be deleted with this vessel. 1 1'
 exit "$failed"
