@@ -127,7 +127,7 @@ bool fromColumn(const R& column, L& value, const L& initial, JsonError& error) {
       value = column.empty() ? initial : L::fromRaw(column);
       return true;
     } else {
-      if (column.empty()) {
+      if (column.empty() || column == "null") {
         value = initial;
         return true;
       }
@@ -251,7 +251,7 @@ std::expected<FromRow<T>, JsonError> recordFromRow(const RowOf<T>& row, const T*
     if constexpr (HasPart<T>) {
       if constexpr (name == RowKind<T>::partColumn) {
         typename RowKind<T>::Part part{};
-        readable = column.empty() || readDocument(column, part, error);
+        readable = column.empty() || column == "null" || readDocument(column, part, error);
         if (readable) {
           RowKind<T>::applyPart(RowKind<T>::partOf(initial), made.record);
           RowKind<T>::applyPart(part, made.record);
@@ -265,7 +265,7 @@ std::expected<FromRow<T>, JsonError> recordFromRow(const RowOf<T>& row, const T*
     if (!readable) made.unreadable.push_back({std::string(json_detail::keys<Row>[i].name()), error.message()});
   });
   if constexpr (TableRegisterRow<Row> && extraFields<T> != 0) {
-    if (row.extraJson) {
+    if (row.extraJson && *row.extraJson != "null") {
       T read = made.record;
       if (readDocument(*row.extraJson, read, fault, extraFields<T>))
         made.record = std::move(read);
@@ -274,6 +274,24 @@ std::expected<FromRow<T>, JsonError> recordFromRow(const RowOf<T>& row, const T*
     }
   }
   return made;
+}
+
+template <class Row>
+bool sameColumn(const Row& one, const Row& other, std::string_view column) {
+  bool same = true;
+  boost::mp11::mp_for_each<boost::mp11::mp_iota_c<fieldCount<Row>>>([&](auto i) {
+    constexpr auto pointer = boost::mp11::mp_at_c<FieldList<Row>, i>::pointer;
+    if (json_detail::keys<Row>[i].name() == column) same = one.*pointer == other.*pointer;
+  });
+  return same;
+}
+
+template <class Row>
+void copyColumn(const Row& from, Row& to, std::string_view column) {
+  boost::mp11::mp_for_each<boost::mp11::mp_iota_c<fieldCount<Row>>>([&](auto i) {
+    constexpr auto pointer = boost::mp11::mp_at_c<FieldList<Row>, i>::pointer;
+    if (json_detail::keys<Row>[i].name() == column) to.*pointer = from.*pointer;
+  });
 }
 
 template <class Row>
@@ -292,8 +310,10 @@ std::string rowsToJson(const std::vector<Row>& rows, RowColumns columns) {
 }  // namespace thalvorn
 
 /// The codec of a row.
-#define THALVORN_ROW_CODEC(Row)   \
-  THALVORN_JSON_INSTANTIATE(Row); \
+#define THALVORN_ROW_CODEC(Row)                                            \
+  THALVORN_JSON_INSTANTIATE(Row);                                          \
+  template bool sameColumn<Row>(const Row&, const Row&, std::string_view); \
+  template void copyColumn<Row>(const Row&, Row&, std::string_view);       \
   template std::string rowsToJson<Row>(const std::vector<Row>&, RowColumns)
 
 /// The conversions of a record, with the codec of its row.

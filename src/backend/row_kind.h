@@ -184,6 +184,12 @@ RowOf<T> rowFromRecord(const T& record, const RowContext& context, const RowOf<T
 template <class T>
 std::expected<FromRow<T>, JsonError> recordFromRow(const RowOf<T>& row, const T* known = nullptr);
 
+/// Whether two rows hold the same in the column of this name, e.g. "plan_json".
+template <class Row>
+bool sameColumn(const Row& one, const Row& other, std::string_view column);
+template <class Row>
+void copyColumn(const Row& from, Row& to, std::string_view column);
+
 /// Which columns an upload holds: those that every server has, or our own schema's too.
 enum class RowColumns : std::uint8_t { standard, all };
 
@@ -192,12 +198,12 @@ enum class RowColumns : std::uint8_t { standard, all };
 template <class Row>
 std::string rowsToJson(const std::vector<Row>& rows, RowColumns columns);
 
-/// The download of a kind: the rows of `owner`, an account or a vessel as the kind is scoped, in its order.
+/// The rows of a kind that belong to `owner`, an account or a vessel as the kind is scoped.
 template <class T>
 TableQuery rowsOf(const Uuid& owner) {
   constexpr RowFacts facts = RowKind<T>::facts;
   TableQuery query(facts.table);
-  query.eq(facts.scope == RowScope::vessel ? "vessel_id" : "account_id", owner).order(facts.order);
+  query.eq(facts.scope == RowScope::vessel ? "vessel_id" : "account_id", owner);
   return query;
 }
 

@@ -3,6 +3,7 @@
 #include <QJsonObject>
 #include <algorithm>
 
+#include "sync/row_upload.h"
 #include "sync/table_reader.h"
 
 namespace thalvorn {
@@ -47,7 +48,7 @@ SBTask<void> sendAcknowledgment(SyncRunPtr run, Uuid post, bool acknowledged) {
                    .accountId = Uuid::parse(run->accountID).value_or(Uuid{})};
   const auto sent = co_await run->client.upsert(
       TableQuery(kTable), QByteArray::fromStdString(rowsToJson(std::vector{row}, RowColumns::all)));
-  if (sent) run->log.say("upsert " + std::string(kTable) + " [1]");
+  logUpsert(run->log, kTable, 1, sent);
   co_return sent;
 }
 

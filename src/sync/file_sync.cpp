@@ -1,5 +1,8 @@
 #include "sync/file_sync.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <algorithm>
 
 #include "base/describe.h"
@@ -12,6 +15,7 @@ constexpr std::chrono::milliseconds kGather{500};
 constexpr std::chrono::milliseconds kFirstPause{60'000};
 constexpr std::chrono::milliseconds kLongestPause{3'600'000};
 constexpr std::string_view kVesselPhotos = "vessel_photos";
+constexpr std::string_view kTakenOut = "_filesTakenOut";
 
 QString qt(const std::string& text) { return QString::fromStdString(text); }
 
@@ -120,11 +124,12 @@ QCoro::Task<void> FileSync::restoreVesselPhotos() {
 
 bool FileSync::isQueued(const NamedFile& file) const {
   return std::ranges::any_of(transfers(), [&](const FileTransfer& transfer) {
-    return transfer.bucket == file.bucket && transfer.path == file.objectPath;
+    return !transfer.isDeletion() && transfer.bucket == file.bucket && transfer.path == file.objectPath;
   });
 }
 
 void FileSync::goOn() {
+  deleteTakenOut();
   queue_->process();
   fetchSoon_.start();
 }
@@ -186,6 +191,7 @@ bool FileSync::queueUpload(const NamedFile& file, const std::filesystem::path& l
 void FileSync::onEdited(const Edit& edit) {
   if (model_.accountID().empty() || model_.staysOnThisComputer()) return;
   bool missing = false;
+  if (!edit.isReceived) noteTakenOut(edit);
   for (const RecordChange& change : edit.changes) {
     if (!change.after) continue;
     std::visit(
@@ -210,6 +216,72 @@ void FileSync::onEdited(const Edit& edit) {
         *change.after);
   }
   if (missing) fetchSoon_.start();
+}
+
+void FileSync::noteTakenOut(const Edit& edit) {
+  std::set<NamedFile> out;
+  for (const RecordChange& change : edit.changes) {
+    if (!change.before) continue;
+    std::visit(
+        [&]<class T>(const T& before) {
+          std::set<std::string> after;
+          if (change.after) collectPaths(std::get<T>(*change.after), after);
+          for (NamedFile& file : filesOf(model_, before))
+            if (!after.contains(file.path)) out.insert(std::move(file));
+        },
+        *change.before);
+  }
+  if (out.empty()) return;
+  QJsonArray files = takenOut();
+  for (const NamedFile& file : out)
+    files.append(QJsonObject{{QStringLiteral("account"), qt(model_.accountID())},
+                             {QStringLiteral("path"), qt(file.path)},
+                             {QStringLiteral("bucket"), qt(file.bucket)},
+                             {QStringLiteral("object"), qt(file.objectPath)}});
+  keepTakenOut(files);
+}
+
+QJsonArray FileSync::takenOut() const {
+  const auto stored = model_.cache().preference(model_.prefix() + std::string(kTakenOut));
+  return stored ? QJsonDocument::fromJson(QByteArray::fromStdString(*stored)).array() : QJsonArray();
+}
+
+void FileSync::keepTakenOut(const QJsonArray& files) {
+  const std::string key = model_.prefix() + std::string(kTakenOut);
+  if (files.isEmpty()) {
+    model_.cache().setPreference(key, std::nullopt);
+  } else {
+    model_.cache().setPreference(key, QJsonDocument(files).toJson(QJsonDocument::Compact).toStdString());
+  }
+}
+
+void FileSync::deleteTakenOut() {
+  const QJsonArray files = takenOut();
+  if (files.isEmpty() || model_.accountID().empty() || model_.dirtyCount() > 0) return;
+  std::set<std::pair<std::string, std::string>> named;
+  forEachKind([&]<class T>(std::type_identity<T>) {
+    for (const T& record : model_.collection<T>().records())
+      for (const NamedFile& file : filesOf(model_, record)) named.emplace(file.bucket, file.objectPath);
+  });
+  const auto mayComeBack = [this](const std::string& path) {
+    return std::ranges::any_of(model_.conflicts().records(), [&](const ConflictNote& note) {
+      return !note.settled && note.other.find(path) != std::string::npos;
+    });
+  };
+  QJsonArray kept;
+  for (const QJsonValue& file : files) {
+    const QString account = file[QStringLiteral("account")].toString();
+    const QString bucket = file[QStringLiteral("bucket")].toString();
+    const QString object = file[QStringLiteral("object")].toString();
+    if (account.toStdString() != model_.accountID() ||
+        mayComeBack(file[QStringLiteral("path")].toString().toStdString())) {
+      kept.append(file);
+    } else if (!named.contains({bucket.toStdString(), object.toStdString()}) &&
+               !queue_->remove(account, bucket, object)) {
+      kept.append(file);
+    }
+  }
+  if (kept != files) keepTakenOut(kept);
 }
 
 std::vector<FileSync::NamedFile> FileSync::missingFiles() const {

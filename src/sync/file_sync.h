@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonArray>
 #include <QObject>
 #include <QTimer>
 #include <filesystem>
@@ -67,6 +68,13 @@ class FileSync : public QObject {
   void onEdited(const Edit& edit);
   void noteDocument(const RecordChange& change) const;
   bool queueUpload(const NamedFile& file, const std::filesystem::path& local);
+  /// Remembers, also over a restart, the files that no longer belong to a record that was edited here.
+  void noteTakenOut(const Edit& edit);
+  QJsonArray takenOut() const;
+  void keepTakenOut(const QJsonArray& files);
+  /// Deletes them from the buckets once all that was done here has been sent, unless a record names them again or a
+  /// conflict that is open could bring them back.
+  void deleteTakenOut();
   QCoro::Task<void> fetchMissing();
   std::vector<NamedFile> missingFiles() const;
   /// Uploads of records that wait themselves, and were not queued: added before the account was known, or moved out of

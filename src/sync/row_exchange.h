@@ -11,6 +11,7 @@
 #include "backend/row_kind.h"
 #include "sync/acknowledgments.h"
 #include "sync/conflicts.h"
+#include "sync/row_upload.h"
 #include "sync/step_facts.h"
 #include "sync/sync_run.h"
 #include "sync/when_saved.h"
@@ -21,15 +22,14 @@ namespace step_detail {
 
 constexpr int kRounds = 4;
 constexpr std::size_t kMostRows = TableQuery::kMostInList;
-constexpr std::size_t kMostBytes = 900'000;
 
 /// A row as the server has it, and the record in it.
 template <class T>
 struct ReceivedRow {
   RowOf<T> row;
   T record;
-  /// Something in it cannot be read by this program; written back, it would be lost.
-  bool unreadable = false;
+  /// Documents in it that this program cannot read; written back, they would be lost.
+  std::vector<JsonError> unreadable = {};
   /// Of a yard period.
   std::shared_ptr<const YardPartRows> parts = {};
 };
@@ -50,8 +50,8 @@ inline QCoro::Task<bool> whenSaved(SyncRunPtr run, Saving saving) {
   return thalvorn::whenSaved(&run->model, std::move(saving), run->token);
 }
 
-/// Waits out a server that is busy, as it asks for; false when it stays busy.
-QCoro::Task<bool> waitOut(SyncRunPtr run, SBError error, int attempt);
+/// The "id" of a row that cannot be read otherwise.
+std::optional<Uuid> identityIn(const std::string& json);
 
 void note(SyncRun& run, std::string_view table, std::string record, const SBError& error);
 
@@ -70,8 +70,9 @@ void tellUnreadable(SyncRun& run, const Row& row, const JsonError& error) {
 }
 
 /// The rows of a reply; one that cannot be read is told and passed over. Empty when the reply is no list.
+/// `unread` takes the identities of those that it passes over: they are there all the same.
 template <class T>
-std::optional<Received<T>> receive(SyncRun& run, const QByteArray& json) {
+std::optional<Received<T>> receive(SyncRun& run, const QByteArray& json, std::unordered_set<Uuid>* unread) {
   auto rows =
       listFromJson<RowOf<T>>(std::string_view(json.data(), static_cast<std::size_t>(json.size())), JsonFields::full);
   if (!rows) return std::nullopt;
@@ -80,15 +81,17 @@ std::optional<Received<T>> receive(SyncRun& run, const QByteArray& json) {
     run.log.say("❌ " + std::string(table<T>()) + ": a row cannot be read: " + faulty.error.message());
     run.problems.push_back(
         {std::string(table<T>()), {}, "A row cannot be read by this program: " + faulty.error.message()});
+    if (const auto id = identityIn(faulty.bytes)) unread->insert(*id);
   }
   for (RowOf<T>& row : rows->records) {
     auto made = recordFromRow<T>(row, run.model.collection<T>().find(row.id));
     if (!made) {
       tellUnreadable(run, row, made.error());
+      unread->insert(row.id);
       continue;
     }
     const Uuid id = row.id;
-    received.insert_or_assign(id, ReceivedRow<T>{std::move(row), std::move(made->record), !made->unreadable.empty()});
+    received.insert_or_assign(id, ReceivedRow<T>{std::move(row), std::move(made->record), std::move(made->unreadable)});
   }
   return received;
 }
@@ -139,17 +142,19 @@ SBTask<void> complete(SyncRunPtr run, Received<T>* received) {
 
 /// The rows of these identities as they stand on the server, whose replies may be shorter than the list.
 template <class T>
-SBTask<Received<T>> readRows(SyncRunPtr run, std::vector<Uuid> ids) {
+SBTask<Received<T>> readRows(SyncRunPtr run, std::vector<Uuid> ids, std::unordered_set<Uuid>* unread) {
   Received<T> all;
   while (!ids.empty()) {
     const auto reply = co_await run->client.read(TableQuery(table<T>()).eq("account_id", run->accountID).in("id", ids),
                                                  ids.size() > 1);
     if (!reply) co_return std::unexpected(reply.error());
     if (run->token.isOver()) break;
-    auto received = receive<T>(*run, reply->rows);
+    const std::size_t asked = ids.size();
+    auto received = receive<T>(*run, reply->rows, unread);
     if (!received) co_return std::unexpected(SBError::server(200, QStringLiteral("Invalid JSON response")));
-    std::erase_if(ids, [&](const Uuid& id) { return received->contains(id); });
-    const bool isCut = !received->empty() && reply->total.value_or(0) > static_cast<std::int64_t>(received->size());
+    std::erase_if(ids, [&](const Uuid& id) { return received->contains(id) || unread->contains(id); });
+    const std::size_t came = asked - ids.size();
+    const bool isCut = came > 0 && reply->total.value_or(0) > static_cast<std::int64_t>(came);
     all.merge(*received);
     if (!isCut) break;
   }
@@ -246,67 +251,32 @@ std::string nameOf(const SyncRun& run, const Uuid& id) {
   return record ? recordName(*record) : std::string();
 }
 
+/// Whether the user may change records of this kind; when not, that is told.
+template <class T>
+bool mayWrite(SyncRun& run) {
+  if (run.model.rights(RecordKind<T>::facts.permission).write) return true;
+  run.problems.push_back({std::string(table<T>()),
+                          {},
+                          "Your role in this account no longer allows changing " +
+                              std::string(RecordKind<T>::facts.plural) +
+                              ". What you changed stays here until it does."});
+  return false;
+}
+
 /// A record that the server refuses for good is told by name and passed over in this run. False for any other error.
 template <class T>
 bool noteRefusal(const SyncRunPtr& run, const Uuid& id, const SBError& error, std::unordered_set<Uuid>* refusedRows) {
-  if (error.remedy != SBError::Remedy::mendRecord && error.remedy != SBError::Remedy::askPermission) return false;
+  if (!isRefusal(error)) return false;
   note(*run, table<T>(), nameOf<T>(*run, id), error);
   refusedRows->insert(id);
   return true;
 }
 
-/// Sends the rows; those that the server refuses are found by halving and told by name. The others go through.
 template <class T>
-SBTask<void> sendRows(SyncRunPtr run, RunToken token, std::vector<RowOf<T>> rows,
-                      std::unordered_set<Uuid>* refusedRows) {
-  std::vector<std::vector<RowOf<T>>> batches;
-  batches.push_back(std::move(rows));
-  int attempt = 0;
-  while (!batches.empty()) {
-    std::vector<RowOf<T>> batch = std::move(batches.back());
-    batches.pop_back();
-    if (batch.empty()) continue;
-    const std::string body = rowsToJson(batch, run->schema.ownColumns ? RowColumns::all : RowColumns::standard);
-    if (body.size() > kMostBytes && batch.size() > 1) {
-      const auto half = batch.begin() + static_cast<std::ptrdiff_t>(batch.size() / 2);
-      batches.emplace_back(half, batch.end());
-      batches.emplace_back(batch.begin(), half);
-      continue;
-    }
-    const auto sent = co_await run->client.upsert(TableQuery(table<T>()), QByteArray::fromStdString(body));
-    if (token.isOver()) co_return {};
-    const QString name = QString::fromUtf8(table<T>().data(), static_cast<qsizetype>(table<T>().size()));
-    if (sent) {
-      run->log.say(QStringLiteral("upsert %1 [%2]").arg(name).arg(batch.size()));
-      continue;
-    }
-    const SBError& error = sent.error();
-    run->log.say(QStringLiteral("upsert %1 failed [%2]: %3").arg(name).arg(error.status).arg(error.logLine()));
-    const bool ownColumnsUnknown = error.remedy == SBError::Remedy::updateSchema && run->schema.ownColumns;
-    if (ownColumnsUnknown) {
-      run->schema.ownColumns = false;
-      batches.push_back(std::move(batch));
-    } else if (error.remedy == SBError::Remedy::retryLater && error.status != 0) {
-      if (!co_await waitOut(run, error, ++attempt)) co_return std::unexpected(error);
-      if (token.isOver()) co_return {};
-      batches.push_back(std::move(batch));
-    } else if (error.remedy == SBError::Remedy::mendRecord || error.remedy == SBError::Remedy::askPermission ||
-               error.remedy == SBError::Remedy::smallerBatch) {
-      if (batch.size() == 1) {
-        const std::string called = nameOf<T>(*run, batch.front().id);
-        if (!stepFacts<T>.failure.empty()) run->log.say(std::string(stepFacts<T>.failure) + called);
-        note(*run, table<T>(), called, error);
-        refusedRows->insert(batch.front().id);
-        continue;
-      }
-      const auto half = batch.begin() + static_cast<std::ptrdiff_t>(batch.size() / 2);
-      batches.emplace_back(half, batch.end());
-      batches.emplace_back(batch.begin(), half);
-    } else {
-      co_return std::unexpected(error);
-    }
-  }
-  co_return {};
+RowUpload uploadOf(const SyncRunPtr& run, std::vector<RowOf<T>> rows) {
+  RowUpload upload = rowUpload(table<T>(), std::move(rows), [run](const Uuid& id) { return nameOf<T>(*run, id); });
+  upload.failure = stepFacts<T>.failure;
+  return upload;
 }
 
 /// A record as it went up, and the newest edit in it.
@@ -331,11 +301,36 @@ RowContext contextOf(const SyncRun& run, const Unsent<T>& ours, const ReceivedRo
   return context;
 }
 
+/// Leaves the documents of a row that cannot be read as they are stored. False when the edit changed what is in them.
+template <class T>
+bool keepUnreadable(const ReceivedRow<T>& stored, const Unsent<T>& ours, const RowContext& context, RowOf<T>& row) {
+  if (stored.unreadable.empty()) return true;
+  const RowOf<T> before = rowFromRecord<T>(ours.base ? *ours.base : T{}, context);
+  const RowOf<T> after = rowFromRecord<T>(*ours.current, context);
+  return std::ranges::all_of(stored.unreadable, [&](const JsonError& error) {
+    if (!sameColumn(before, after, error.field)) return false;
+    copyColumn(stored.row, row, error.field);
+    return true;
+  });
+}
+
+template <class T>
+void passOverUnreadable(const SyncRunPtr& run, const Unsent<T>& ours, std::unordered_set<Uuid>* refusedRows) {
+  refusedRows->insert(ours.id);
+  run->problems.push_back(
+      {std::string(table<T>()),
+       ours.current ? recordName(*ours.current)
+       : ours.base  ? recordName(*ours.base)
+                    : std::string(),
+       "A newer program wrote what this one cannot read; update this program to send your change."});
+}
+
 /// Merges, sends and reads back one batch of records.
 template <class T>
 SBTask<void> exchangeBatch(SyncRunPtr run, RunToken token, std::vector<Uuid> ids,
                            std::unordered_set<Uuid>* refusedRows) {
-  auto theirs = co_await readRows<T>(run, ids);
+  std::unordered_set<Uuid> unread;
+  auto theirs = co_await readRows<T>(run, ids, &unread);
   if (!theirs) co_return std::unexpected(theirs.error());
   if (token.isOver()) co_return {};
   if (!co_await whenSaved(run)) co_return std::unexpected(notSaved());
@@ -365,14 +360,12 @@ SBTask<void> exchangeBatch(SyncRunPtr run, RunToken token, std::vector<Uuid> ids
     if (!ours.current) continue;
     const auto found = theirs->find(ours.id);
     const ReceivedRow<T>* stored = found == theirs->end() ? nullptr : &found->second;
-    if (stored && stored->unreadable) {
-      refusedRows->insert(ours.id);
-      run->problems.push_back(
-          {std::string(table<T>()), recordName(*ours.current),
-           "A newer program wrote what this one cannot read; update this program to send your change."});
+    const RowContext context = contextOf(*run, ours, stored);
+    RowOf<T> row = rowFromRecord<T>(*ours.current, context, stored ? &stored->row : nullptr);
+    if (unread.contains(ours.id) || (stored && !keepUnreadable(*stored, ours, context, row))) {
+      passOverUnreadable(run, ours, refusedRows);
       continue;
     }
-    RowOf<T> row = rowFromRecord<T>(*ours.current, contextOf(*run, ours, stored), stored ? &stored->row : nullptr);
     auto asSent = recordFromRow<T>(row, &*ours.current);
     if (!asSent) continue;
     if constexpr (std::is_same_v<T, YardPeriod>)
@@ -394,14 +387,14 @@ SBTask<void> exchangeBatch(SyncRunPtr run, RunToken token, std::vector<Uuid> ids
     if (rowDiffers) rows.push_back(std::move(row));
   }
   if (sentIds.empty()) co_return {};
-  const auto done = co_await sendRows<T>(run, token, std::move(rows), refusedRows);
+  const auto done = co_await uploadRows(run, token, uploadOf<T>(run, std::move(rows)), refusedRows);
   if (!done) co_return std::unexpected(done.error());
   for (auto& [period, parts] : periods) {
     if (token.isOver()) co_return {};
     const Uuid id = period.id;
-    const auto partsSent = co_await sendYardParts(run, std::move(period), std::move(parts));
-    if (!partsSent && !noteRefusal<T>(run, id, partsSent.error(), refusedRows))
-      co_return std::unexpected(partsSent.error());
+    const auto allTaken = co_await sendYardParts(run, token, std::move(period), std::move(parts));
+    if (!allTaken) co_return std::unexpected(allTaken.error());
+    if (!*allTaken) refusedRows->insert(id);
   }
   for (const auto& [post, isSo] : acknowledged) {
     if (token.isOver()) co_return {};
@@ -410,7 +403,7 @@ SBTask<void> exchangeBatch(SyncRunPtr run, RunToken token, std::vector<Uuid> ids
   }
   if (token.isOver()) co_return {};
 
-  const auto stored = co_await readRows<T>(run, sentIds);
+  const auto stored = co_await readRows<T>(run, sentIds, &unread);
   if (!stored) co_return std::unexpected(stored.error());
   if (token.isOver()) co_return {};
   std::vector<Uploaded<T>> uploaded;

@@ -10,9 +10,6 @@ namespace thalvorn::step_detail {
 namespace {
 
 constexpr std::string_view kTombstones = "deleted_records";
-constexpr int kMostWaits = 3;
-constexpr std::chrono::seconds kLongestWait{20};
-constexpr std::chrono::seconds kUsualWait{2};
 
 }  // namespace
 
@@ -22,11 +19,9 @@ SBError notSaved() {
   return error;
 }
 
-QCoro::Task<bool> waitOut(SyncRunPtr run, SBError error, int attempt) {
-  const std::chrono::seconds wait = error.retryAfter.value_or(kUsualWait * attempt);
-  if (attempt > kMostWaits || wait > kLongestWait) co_return false;
-  co_await run->timing.wait(wait);
-  co_return true;
+std::optional<Uuid> identityIn(const std::string& json) {
+  const QJsonObject row = QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
+  return Uuid::parse(row.value(QStringLiteral("id")).toString().toStdString());
 }
 
 void note(SyncRun& run, std::string_view table, std::string record, const SBError& error) {

@@ -28,6 +28,7 @@ constexpr std::string_view kMembers = "account_members";
 constexpr std::string_view kAccounts = "accounts";
 constexpr std::chrono::seconds kUsualWait{2};     ///< for a busy server that names no time
 constexpr std::chrono::seconds kLongestWait{20};  ///< within one run
+constexpr int kUnansweredTables = 2;              ///< one after the other: the server is out of reach
 
 }  // namespace
 
@@ -154,6 +155,8 @@ QCoro::Task<std::optional<std::expected<bool, SBError>>> within(std::chrono::mil
   token.end();
   co_return std::nullopt;
 }
+
+bool isWithoutReply(const SBError& error) { return error.kind == SBError::Case::networkError || error.status == 0; }
 
 std::int64_t versionOf(const std::map<std::string, std::int64_t, std::less<>>& versions, std::string_view table) {
   const auto found = versions.find(table);
@@ -309,10 +312,9 @@ SBTask<std::optional<SyncManager::Versions>> SyncManager::readVersions(SyncRunPt
 }
 
 bool SyncManager::endsRun(SyncRun& run, const SBError& error) {
-  const bool noConnection = error.kind == SBError::Case::networkError || error.status == 0;
   if (error.kind == SBError::Case::notAuthenticated || error.remedy == SBError::Remedy::signIn) {
     run.sessionGone = true;
-  } else if (noConnection) {
+  } else if (isWithoutReply(error)) {
     run.lostConnection = true;
   }
   return run.sessionGone || run.lostConnection;
@@ -324,8 +326,6 @@ QCoro::Task<void> SyncManager::work(SyncRunPtr run, Extent extent) {
     if (!co_await prepare(run, extent, &stamps)) co_return;
   }
   if (co_await sendDeletions(run)) co_await exchange(run, extent, &stamps);
-  // What is here already need not come again, also when the rest could not be done.
-  if (!run->token.isOver() && extent != Extent::uploads) keepVersions(stamps.known);
 }
 
 QCoro::Task<bool> SyncManager::prepare(SyncRunPtr run, Extent extent, Stamps* stamps) {
@@ -347,6 +347,7 @@ QCoro::Task<bool> SyncManager::prepare(SyncRunPtr run, Extent extent, Stamps* st
   auto read = co_await readVersions(run);
   if (run->token.isOver()) co_return false;
   if (!read) {
+    log_.say("⚠️ " + std::string(kChanges) + ": " + read.error().logLine().toStdString());
     run->problems.push_back({std::string(kChanges), {}, read.error().text.toStdString()});
     if (endsRun(*run, read.error())) co_return false;
   } else {
@@ -365,6 +366,8 @@ QCoro::Task<bool> SyncManager::prepare(SyncRunPtr run, Extent extent, Stamps* st
   if (run->token.isOver()) co_return false;
   if (!resolved) endsRun(*run, resolved.error());
   if (!resolved || model_.accountID() != run->accountID) {
+    log_.say(resolved ? "⚠️ the account is another now; the run ends"
+                      : "⚠️ members: " + resolved.error().logLine().toStdString());
     run->problems.push_back(
         {std::string(kMembers), {}, "Your membership could not be confirmed; nothing was changed."});
     co_return false;
@@ -375,6 +378,7 @@ QCoro::Task<bool> SyncManager::prepare(SyncRunPtr run, Extent extent, Stamps* st
   if (*resolved && now) {
     for (const std::string_view table : {kMembers, kAccounts})
       if (now->contains(table)) stamps->known[std::string(table)] = versionOf(*now, table);
+    keepVersions(stamps->known);
   }
   co_return true;
 }
@@ -388,6 +392,8 @@ SyncManager::Exchanged SyncManager::afterFailure(SyncRun& run, const SyncStep& s
   if (busy) notBefore_[std::string(step.table)] = timing_.elapsed() + wait;
   if (busy && mayWait && wait <= kLongestWait) return Exchanged::busy;
   run.problems.push_back({std::string(step.table), {}, error.text.toStdString()});
+  // One table's replies may be lost where the others' are not.
+  if (isWithoutReply(error) && ++run.unanswered < kUnansweredTables) return Exchanged::done;
   return endsRun(run, error) ? Exchanged::ends : Exchanged::done;
 }
 
@@ -438,6 +444,7 @@ QCoro::Task<SyncManager::Exchanged> SyncManager::sendDeletionsOf(SyncRunPtr run,
   if (run->token.isOver()) co_return Exchanged::ends;
   if (!done) noteOverrun(*run, step->label, step->table);
   if (done && !*done) co_return afterFailure(*run, *step, done->error(), mayWait);
+  if (done) run->unanswered = 0;
   co_return Exchanged::done;
 }
 
@@ -484,6 +491,8 @@ QCoro::Task<SyncManager::Exchanged> SyncManager::exchangeTable(SyncRunPtr run, c
   } else if (!*done) {
     if (const Exchanged after = afterFailure(*run, *step, done->error(), mayWait); after != Exchanged::done)
       co_return after;
+  } else {
+    run->unanswered = 0;
   }
   if (!download) co_return Exchanged::done;
   // A table asked for vessel by vessel is whole only when all vessels are known.
@@ -492,6 +501,8 @@ QCoro::Task<SyncManager::Exchanged> SyncManager::exchangeTable(SyncRunPtr run, c
   } else {
     stamps->known.erase(std::string(step->table));
   }
+  // At once, so that what is here need not come again however the run ends.
+  keepVersions(stamps->known);
   co_return Exchanged::done;
 }
 

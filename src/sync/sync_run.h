@@ -47,6 +47,7 @@ struct SyncRun {
   std::optional<std::int64_t> version = {};  ///< change stamp of the table under way
   std::vector<SyncProblem> problems;
   std::set<std::string_view> tables = {};  ///< those that were exchanged
+  int unanswered = 0;                      ///< tables, the last ones, that were asked for in vain
   bool lostConnection = false;
   bool sessionGone = false;
 };

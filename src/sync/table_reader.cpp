@@ -85,12 +85,18 @@ SBTask<Download> readTable(SupabaseClient* client, TableQuery query, std::string
   co_return download;
 }
 
+SBError changedMeanwhile() {
+  SBError error = SBError::server(200, QStringLiteral("Changed while it was read"));
+  error.text = QStringLiteral("Somebody changed this while it was read; it is read again.");
+  return error;
+}
+
 SBTask<WholeTable> readWhole(SupabaseClient* client, TableQuery query, std::string_view key, RunToken token) {
   const auto whole = std::make_shared<Whole>();
   const auto read = co_await readTable(
       client, std::move(query), {}, [whole](QByteArray json) { return gather(whole, std::move(json)); }, token, key);
   if (!read) co_return std::unexpected(read.error());
-  if (!read->complete) co_return std::unexpected(SBError::network(QStringLiteral("The download was cut short")));
+  if (!read->complete) co_return std::unexpected(changedMeanwhile());
   co_return WholeTable{whole->rows};
 }
 

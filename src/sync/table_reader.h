@@ -43,6 +43,9 @@ SBTask<Download> readTable(SupabaseClient* client, TableQuery query, std::string
                            RunToken token, std::string_view key = "id.asc",
                            std::shared_ptr<PartialDownload> partial = nullptr);
 
+/// Rows came or went while a table was read that is only of use whole; it is read again in a while.
+SBError changedMeanwhile();
+
 /// The rows of a table that is only of use whole. A type of its own, as `StoredFile` is.
 struct WholeTable {
   QJsonArray rows;

@@ -28,7 +28,8 @@ QCoro::Task<int> takePage(std::shared_ptr<Gathered<T>> gathered, QByteArray rows
     co_return -1;
   }
   if (gathered->token.isOver()) co_return 0;
-  auto received = receive<T>(run, rows);
+  std::unordered_set<Uuid> unread;
+  auto received = receive<T>(run, rows, &unread);
   if (!received) co_return -1;
   if (const auto completed = co_await complete<T>(gathered->run, &*received); !completed) {
     gathered->failure = completed.error();
@@ -45,6 +46,7 @@ QCoro::Task<int> takePage(std::shared_ptr<Gathered<T>> gathered, QByteArray rows
     waiting.emplace(id, std::move(record));
   }
   int fresh = 0;
+  for (const Uuid& id : unread) fresh += gathered->seen->insert(id).second ? 1 : 0;
   std::vector<FromBackend<T>> changes;
   Edit notes;
   for (auto& [id, row] : *received) {
@@ -109,16 +111,16 @@ std::vector<Uuid> ownersOf(const SyncRun& run) {
 }
 
 template <class T>
-TableQuery ownRows(const Uuid& owner) {
-  TableQuery query(table<T>());
-  query.eq(RowKind<T>::facts.scope == RowScope::vessel ? "vessel_id" : "account_id", owner);
-  return query;
+void logDeletion(const SyncRun& run, const T& record) {
+  if constexpr (std::is_same_v<T, Vessel>) run.log.say("🗑 deleted vessel " + record.name);
+  if constexpr (std::is_same_v<T, VoyagePlan>) run.log.say("🗑 deleted voyage plan " + record.planName);
 }
 
 /// Deletes one batch of records that were deleted here; gives those that somebody changed in between.
 template <class T>
 SBTask<std::vector<Uuid>> deleteBatch(SyncRunPtr run, RunToken token, std::vector<Uuid> ids) {
-  const auto theirs = co_await readRows<T>(run, ids);
+  std::unordered_set<Uuid> unread;
+  const auto theirs = co_await readRows<T>(run, ids, &unread);
   if (!theirs) co_return std::unexpected(theirs.error());
   if (!co_await whenSaved(run)) co_return std::unexpected(notSaved());
   if (token.isOver()) co_return {};
@@ -150,30 +152,27 @@ SBTask<std::vector<Uuid>> deleteBatch(SyncRunPtr run, RunToken token, std::vecto
     if (row->second.row.serverVersion) asSeen.eq("server_version", std::to_string(*row->second.row.serverVersion));
     const auto removed = co_await run->client.remove(asSeen);
     if (token.isOver()) co_return {};
-    if (removed) {
-      if constexpr (std::is_same_v<T, Vessel>) run->log.say("🗑 deleted vessel " + row->second.record.name);
-      if constexpr (std::is_same_v<T, VoyagePlan>)
-        run->log.say("🗑 deleted voyage plan " + row->second.record.planName);
-      continue;
-    }
+    if (removed) continue;
     const SBError& error = removed.error();
     if constexpr (std::is_same_v<T, YardPeriod>) run->log.say("❌ Yard delete: " + error.logLine().toStdString());
-    if (error.remedy != SBError::Remedy::mendRecord && error.remedy != SBError::Remedy::askPermission)
-      co_return std::unexpected(error);
+    if (!isRefusal(error)) co_return std::unexpected(error);
     note(*run, table<T>(), recordName(row->second.record), error);
     refusedRows.insert(ours.id);
   }
 
-  const auto left = co_await readRows<T>(run, ids);
+  const auto left = co_await readRows<T>(run, ids, &unread);
   if (!left) co_return std::unexpected(left.error());
   if (token.isOver() || !co_await whenSaved(run) || token.isOver()) co_return {};
   std::vector<Uploaded<T>> done;
   std::vector<Uuid> again;
   for (const Unsent<T>& ours : waiting) {
     if (ours.current || refusedRows.contains(ours.id)) continue;
-    if (left->contains(ours.id)) {
+    if (unread.contains(ours.id)) {
+      passOverUnreadable(run, ours, &refusedRows);
+    } else if (left->contains(ours.id)) {
       again.push_back(ours.id);
     } else {
+      if (const auto row = theirs->find(ours.id); row != theirs->end()) logDeletion(*run, row->second.record);
       done.push_back({.id = ours.id, .upTo = ours.revision, .record = {}});
     }
   }
@@ -202,7 +201,7 @@ SBTask<bool> seedEmptyServer(SyncRunPtr run, RunToken token) {
   run->log.say("syncISMCheckDefinitions: seeding empty server with " + std::to_string(rows.size()) +
                " local definitions");
   std::unordered_set<Uuid> refusedRows;
-  const auto sent = co_await sendRows<T>(run, token, std::move(rows), &refusedRows);
+  const auto sent = co_await uploadRows(run, token, uploadOf<T>(run, std::move(rows)), &refusedRows);
   if (!sent) co_return std::unexpected(sent.error());
   co_return true;
 }
@@ -214,6 +213,7 @@ SBTask<void> uploadDeletions(SyncRunPtr run, RunToken token) {
   using namespace step_detail;
   std::vector<Unsent<T>> deletions = run->model.unsent<T>();
   std::erase_if(deletions, [&](const Unsent<T>& record) { return record.current || record.at > run->deleteBefore; });
+  if (deletions.empty() || !mayWrite<T>(*run)) co_return {};
   const std::vector<Uuid> ids = idsOf(deletions);
   for (std::size_t begin = 0; begin < ids.size(); begin += kMostRows) {
     std::vector<Uuid> batch(ids.begin() + static_cast<std::ptrdiff_t>(begin),
@@ -224,6 +224,9 @@ SBTask<void> uploadDeletions(SyncRunPtr run, RunToken token) {
       if (token.isOver()) co_return {};
       batch = *left;
     }
+    for (const Unsent<T>& kept : stillWaiting<T>(*run, batch))
+      run->problems.push_back({std::string(table<T>()), kept.base ? recordName(*kept.base) : std::string(),
+                               "The server did not delete this record; it is asked again."});
   }
   co_return {};
 }
@@ -243,15 +246,9 @@ SBTask<void> uploadChanges(SyncRunPtr run, RunToken token) {
     }
     if (waiting.empty()) break;
     // Whoever may read the crew board may acknowledge its posts.
-    const ModuleRights rights = run->model.rights(RecordKind<T>::facts.permission);
-    if (!rights.write && !(std::is_same_v<T, CrewBoardPost> && rights.read)) {
-      run->problems.push_back({std::string(table<T>()),
-                               {},
-                               "Your role in this account no longer allows changing " +
-                                   std::string(RecordKind<T>::facts.plural) +
-                                   ". What you changed stays here until it does."});
-      break;
-    }
+    const bool acknowledges =
+        std::is_same_v<T, CrewBoardPost> && run->model.rights(RecordKind<T>::facts.permission).read;
+    if (!acknowledges && !mayWrite<T>(*run)) break;
     for (std::vector<Uuid>& ids : inParts(idsOf(waiting))) {
       const auto exchanged = co_await exchangeBatch<T>(run, token, std::move(ids), &refusedRows);
       if (!exchanged) co_return std::unexpected(exchanged.error());
@@ -278,7 +275,7 @@ SBTask<bool> downloadRows(SyncRunPtr run, RunToken token) {
     const auto gathered =
         std::make_shared<Gathered<T>>(Gathered<T>{.run = run, .token = token, .seen = partial->seen, .failure = {}});
     const auto read = co_await readTable(
-        &run->client, ownRows<T>(owner), RowKind<T>::facts.order,
+        &run->client, rowsOf<T>(owner), RowKind<T>::facts.order,
         [gathered](QByteArray rows) { return takePage<T>(gathered, std::move(rows)); }, token, "id.asc", partial);
     if (token.isOver()) co_return false;
     if (gathered->failure) co_return std::unexpected(*gathered->failure);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "sync/row_upload.h"
 #include "sync/table_reader.h"
 
 namespace thalvorn {
@@ -33,7 +34,7 @@ SBTask<std::vector<RowOf<P>>> readPart(SyncRunPtr run, std::vector<Uuid> periods
       &run->client, TableQuery(RowKind<P>::facts.table).eq("account_id", run->accountID).in("yard_period_id", periods),
       {}, [gathered](QByteArray rows) { return gather<P>(gathered, std::move(rows)); }, run->token);
   if (!read) co_return std::unexpected(read.error());
-  if (!read->complete) co_return std::unexpected(SBError::network(QStringLiteral("The download was cut short")));
+  if (!read->complete) co_return std::unexpected(changedMeanwhile());
   co_return gathered->rows;
 }
 
@@ -63,9 +64,12 @@ std::vector<P> recordsOf(const std::vector<RowOf<P>>& rows, const std::vector<P>
 }
 
 template <class P>
-SBTask<void> sendPart(SyncRunPtr run, std::vector<P> wanted, std::vector<RowOf<P>> stored) {
+SBTask<bool> sendPart(SyncRunPtr run, RunToken token, std::vector<P> wanted, std::vector<RowOf<P>> stored) {
+  constexpr std::string_view table = RowKind<P>::facts.table;
   std::vector<RowOf<P>> changed;
+  std::unordered_map<Uuid, std::string> names;
   for (const P& element : wanted) {
+    names.emplace(element.id, element.title);
     const auto was = std::ranges::find(stored, element.id, &RowOf<P>::id);
     RowContext context{.userID = Uuid::parse(run->userID).value_or(Uuid{}),
                        .accountID = Uuid::parse(run->accountID).value_or(Uuid{}),
@@ -78,20 +82,24 @@ SBTask<void> sendPart(SyncRunPtr run, std::vector<P> wanted, std::vector<RowOf<P
     }
     changed.push_back(rowFromRecord<P>(element, context, was == stored.end() ? nullptr : &*was));
   }
-  if (!changed.empty()) {
-    const std::string body = rowsToJson(changed, run->schema.ownColumns ? RowColumns::all : RowColumns::standard);
-    const auto sent = co_await run->client.upsert(TableQuery(RowKind<P>::facts.table), QByteArray::fromStdString(body));
-    if (!sent) co_return std::unexpected(sent.error());
-    run->log.say("upsert " + std::string(RowKind<P>::facts.table) + " [" + std::to_string(changed.size()) + "]");
-  }
+  std::unordered_set<Uuid> refused;
+  RowUpload upload = rowUpload(table, std::move(changed), [names](const Uuid& id) { return names.at(id); });
+  const auto sent = co_await uploadRows(run, token, std::move(upload), &refused);
+  if (!sent) co_return std::unexpected(sent.error());
   for (const RowOf<P>& row : stored) {
-    if (std::ranges::find(wanted, row.id, &P::id) != wanted.end()) continue;
-    const auto removed = co_await run->client.remove(TableQuery(RowKind<P>::facts.table).eq("id", row.id));
+    if (names.contains(row.id)) continue;
+    if (token.isOver()) break;
+    TableQuery asSeen = TableQuery(table).eq("id", row.id);
+    if (row.serverVersion) asSeen.eq("server_version", std::to_string(*row.serverVersion));
+    const auto removed = co_await run->client.remove(asSeen);
     if (removed) continue;
-    run->log.say("❌ Yard delete: " + removed.error().logLine().toStdString());
-    co_return std::unexpected(removed.error());
+    const SBError& error = removed.error();
+    run->log.say("❌ Yard delete: " + error.logLine().toStdString());
+    if (!isRefusal(error)) co_return std::unexpected(error);
+    run->problems.push_back({std::string(table), row.title, error.text.toStdString()});
+    refused.insert(row.id);
   }
-  co_return {};
+  co_return refused.empty();
 }
 
 template <class Row>
@@ -122,11 +130,14 @@ void attachParts(YardPeriod& period, const YardPartRows& parts, const YardPeriod
   period.logEntries = recordsOf<YardLogEntry>(parts.logEntries, known ? &known->logEntries : nullptr);
 }
 
-SBTask<void> sendYardParts(SyncRunPtr run, YardPeriod period, YardPartRows stored) {
-  auto sent = co_await sendPart<WorkOrder>(run, std::move(period.workOrders), std::move(stored.workOrders));
-  if (sent) sent = co_await sendPart<PunchListItem>(run, std::move(period.punchList), std::move(stored.punchList));
-  if (sent) sent = co_await sendPart<YardLogEntry>(run, std::move(period.logEntries), std::move(stored.logEntries));
-  co_return sent;
+SBTask<bool> sendYardParts(SyncRunPtr run, RunToken token, YardPeriod period, YardPartRows stored) {
+  const auto orders = co_await sendPart<WorkOrder>(run, token, std::move(period.workOrders), stored.workOrders);
+  if (!orders) co_return std::unexpected(orders.error());
+  const auto punches = co_await sendPart<PunchListItem>(run, token, std::move(period.punchList), stored.punchList);
+  if (!punches) co_return std::unexpected(punches.error());
+  const auto entries = co_await sendPart<YardLogEntry>(run, token, std::move(period.logEntries), stored.logEntries);
+  if (!entries) co_return std::unexpected(entries.error());
+  co_return *orders && *punches && *entries;
 }
 
 }  // namespace thalvorn

@@ -25,8 +25,8 @@ SBTask<YardParts> readYardParts(SyncRunPtr run, std::vector<Uuid> periods);
 /// Puts the parts into the period, those that it knows in its own order, new ones behind them.
 void attachParts(YardPeriod& period, const YardPartRows& parts, const YardPeriod* known);
 
-/// Writes the parts in which `period` differs from what is stored: changed and new ones go up, missing ones are
-/// deleted.
-SBTask<void> sendYardParts(SyncRunPtr run, YardPeriod period, YardPartRows stored);
+/// Writes the parts in which `period` differs from what is stored: changed and new ones go up, missing ones are deleted
+/// unless somebody changed them since. True when the server refused none; those that it did are told by name.
+SBTask<bool> sendYardParts(SyncRunPtr run, RunToken token, YardPeriod period, YardPartRows stored);
 
 }  // namespace thalvorn

@@ -76,6 +76,17 @@ TEST_F(Deletions, HoldAgainstACopyThatNeverHeardOfItsOwnUpload) {
   EXPECT_EQ(captain.model->conflicts().size(), 1U) << "what was in it stays to be seen";
 }
 
+TEST_F(Deletions, ThatARoleNoLongerAllowsAreToldAndKept) {
+  ASSERT_TRUE(finished(stored(engineer.model->remove<MaintenanceTask>(task.id))));
+  ASSERT_TRUE(backend.execute(QStringLiteral("update public.account_members set role = 'viewOnly' where user_id = '%1'")
+                                  .arg(engineer.cloud->userID())));
+  EXPECT_EQ(finished(syncWhenFree(engineer.cloud.get())), SyncOutcome::incomplete);
+  EXPECT_EQ(engineer.cloud->sync().problems().size(), 1U);
+  EXPECT_EQ(engineer.model->dirtyCount(), 1);
+  exchange(captain);
+  EXPECT_TRUE(captain.model->tasks().find(task.id));
+}
+
 TEST_F(Deletions, GoInTheSameRunOnceABusyServerIsReady) {
   ASSERT_TRUE(finished(stored(captain.model->remove<MaintenanceTask>(task.id))));
   captain.proxy.deferNext("DELETE");

@@ -82,6 +82,7 @@ void FaultyProxy::read(QTcpSocket* client) {
     fault = Fault::conflict;
     deferred_.clear();
   }
+  if (!lost_.isEmpty() && sofar.left(sofar.indexOf('\n')).contains(lost_)) fault = Fault::lostRequest;
   const QByteArray request = closing(sofar.left(whole));
   qCInfo(proxyLog, "port %d: %s, fault %d", server_.serverPort(), sofar.left(sofar.indexOf(" HTTP/")).constData(),
          static_cast<int>(fault));

@@ -22,6 +22,8 @@ class FaultyProxy : public QObject {
   void setFaults(int percent) { percent_ = percent; }
   /// The next request with this method is answered as by a server that is busy with another.
   void deferNext(QByteArray method) { deferred_ = std::move(method); }
+  /// No request whose target holds `part` gets through.
+  void lose(QByteArray part) { lost_ = std::move(part); }
   /// Nothing passes at all.
   void setOffline(bool offline) { offline_ = offline; }
   bool isOffline() const { return offline_; }
@@ -59,6 +61,7 @@ class FaultyProxy : public QObject {
   std::mt19937 random_;
   int percent_ = 0;
   QByteArray deferred_;
+  QByteArray lost_;
   bool offline_ = false;
   std::function<void(const QByteArray&, const QByteArray&)> listener_;
   int requests_ = 0;

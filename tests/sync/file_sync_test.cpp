@@ -118,6 +118,33 @@ TEST(FilesOfRecords, ThatCannotGoAreToldByNameAndTriedOrGivenUp) {
   EXPECT_TRUE(fleet.mate.model->attachments().absolute(mended->first));
 }
 
+TEST(FilesOfRecords, LeaveTheServerWithTheLastRecordThatNamesThem) {
+  Fleet fleet;
+  ASSERT_TRUE(fleet.ready);
+  Computer& here = fleet.captain;
+  const std::string photo = here.model->attachments().put(kBucket, bytesOf("pixels"), "jpg").value();
+  const MaintenanceTask first = fleet.task(photo);
+  const MaintenanceTask second = fleet.task(photo);
+  ASSERT_TRUE(here.add(first) && here.add(second));
+  here.sync();
+  Fleet::rest(here);
+  DownloadCache cache(here.folder.filePath(QStringLiteral("cache")));
+  SupabaseStorage storage(here.cloud->client(), cache);
+  const auto isThere = [&] {
+    return finished(storage.exists(QString::fromUtf8(kBucket.data()),
+                                   QString::fromStdString(here.model->accountID() + photo.substr(kBucket.size()))))
+        .value();
+  };
+  ASSERT_TRUE(isThere());
+
+  for (const Uuid& id : {first.id, second.id}) {
+    finished(Computer::saved(here.model->remove<MaintenanceTask>(id)));
+    ASSERT_EQ(here.sync(), SyncOutcome::complete) << here.problems();
+    Fleet::rest(here);
+    EXPECT_EQ(isThere(), id == first.id);
+  }
+}
+
 TEST(FilesOfRecords, AVesselsPhotoThatTheServerLostGoesUpAgain) {
   Fleet fleet;
   ASSERT_TRUE(fleet.ready);

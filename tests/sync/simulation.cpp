@@ -19,8 +19,11 @@ const QString kPassword = QStringLiteral("Fair-Winds-7");
 template <class T>
 std::map<std::string, std::string> listed(const AppViewModel& model) {
   std::map<std::string, std::string> records;
-  for (const T& record : model.collection<T>().records())
+  for (T record : model.collection<T>().records()) {
+    // Each computer shows the parts of a yard period in the order in which they came to it.
+    if constexpr (std::is_same_v<T, YardPeriod>) std::ranges::sort(record.workOrders, {}, &WorkOrder::id);
     records[std::string(RecordKind<T>::facts.table) + ' ' + record.id.toString()] = toJson(record, JsonFields::full);
+  }
   return records;
 }
 

@@ -11,6 +11,7 @@ namespace thalvorn {
 namespace {
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -152,6 +153,59 @@ TEST(SyncRuns, GoOnWithALongTableWhereTheyWereCutOff) {
   EXPECT_LE(pages - 100, 6 - (kCutAfter - 2)) << "the pages taken before the cut are not asked for again";
 }
 
+TEST(SyncRuns, SendTheRestOfARecordWithADocumentThatCannotBeRead) {
+  Computer here;
+  ASSERT_TRUE(here.signUp("captain"));
+  ASSERT_TRUE(here.add(Vessel{.id = Uuid::random(), .name = "M/Y Meridian"}));
+  ShipContact contact;
+  contact.id = Uuid::random();
+  contact.vesselID = here.model->vessels().records().front().id;
+  contact.company = "Hullworks";
+  ASSERT_TRUE(here.add(contact));
+  ASSERT_EQ(here.sync(), SyncOutcome::complete) << here.problems();
+  const QString where = QStringLiteral(" where id = '%1'").arg(QString::fromStdString(contact.id.toString()));
+  ASSERT_TRUE(sharedBackend().execute(
+      QStringLiteral("update public.ship_contacts set compliance_documents_json = '{broken'") + where));
+  contact.company = "Hullworks & Sons";
+  ASSERT_TRUE(here.update(contact));
+  EXPECT_EQ(here.sync(), SyncOutcome::complete) << here.problems();
+  EXPECT_TRUE(sharedBackend().execute(
+      QStringLiteral("select 1 / count(*) from public.ship_contacts") + where +
+      QStringLiteral(" and company = 'Hullworks & Sons' and compliance_documents_json = '{broken'")));
+
+  // What this program would put over the document stays here.
+  contact.complianceDocuments.emplace_back().id = Uuid::random();
+  ASSERT_TRUE(here.update(contact));
+  EXPECT_EQ(here.sync(), SyncOutcome::incomplete);
+  EXPECT_THAT(here.problems(), HasSubstr("update this program"));
+}
+
+TEST(SyncRuns, SendTheOtherPartsOfAYardPeriodWhenOneIsRefused) {
+  Computer here;
+  ASSERT_TRUE(here.signUp("captain"));
+  const Vessel vessel{.id = Uuid::random(), .name = "M/Y Meridian"};
+  ASSERT_TRUE(here.add(vessel));
+  YardPeriod period{.id = Uuid::random(), .vesselID = vessel.id};
+  period.workOrders.push_back({.id = Uuid::random(), .vesselID = Uuid::random(), .title = "Adrift"});
+  period.workOrders.push_back({.id = Uuid::random(), .vesselID = vessel.id, .title = "Antifoul"});
+  for (WorkOrder& order : period.workOrders) order.yardPeriodID = period.id;
+  ASSERT_TRUE(here.add(period));
+  EXPECT_EQ(here.sync(), SyncOutcome::incomplete);
+  EXPECT_THAT(here.cloud->sync().problems(), ElementsAre(testing::Field(&SyncProblem::record, "Adrift")));
+  EXPECT_TRUE(sharedBackend().execute(
+      QStringLiteral("select 1 / count(*) from public.work_orders where title = 'Antifoul' and yard_period_id = '%1'")
+          .arg(QString::fromStdString(period.id.toString()))));
+}
+
+TEST(SyncRuns, GoOnPastATableWhoseRepliesAreLost) {
+  SimulatedClient here(sharedBackend(), QStringLiteral("alone@example.com"), std::chrono::seconds(0), 1);
+  ASSERT_TRUE(here.signUp());
+  here.proxy.lose("/maintenance_tasks");
+  EXPECT_EQ(finished(syncWhenFree(here.cloud.get())), SyncOutcome::incomplete);
+  EXPECT_THAT(here.cloud->sync().problems(), ElementsAre(testing::Field(&SyncProblem::table, "maintenance_tasks")));
+  EXPECT_EQ(here.cloud->log().lines().back().text, QStringLiteral("✅ Sync complete"));
+}
+
 TEST(SyncRuns, PassOverWhatCannotBeReadAndHoldBackNothingElse) {
   Computer here;
   ASSERT_TRUE(here.signIn());
@@ -180,6 +234,11 @@ TEST(SyncRuns, PassOverWhatCannotBeReadAndHoldBackNothingElse) {
   EXPECT_THAT(here.said(), Contains("❌ VoyagePlan JSON decode FAILED for 'Broken'"));
   EXPECT_THAT(here.said(), Contains("   Raw payload (first 300 chars): no JSON"));
   EXPECT_TRUE(here.model->voyagePlans().find(plan.id)) << "the others still load";
+  const QString gone =
+      QStringLiteral("delete from public.voyage_plans where id = '%1'").arg(QString::fromStdString(plan.id.toString()));
+  ASSERT_TRUE(sharedBackend().execute(gone));
+  finished(here.cloud->sync().syncAll());
+  EXPECT_FALSE(here.model->voyagePlans().find(plan.id)) << "and what was deleted elsewhere goes";
 
   const std::string token = here.cache->preference("sb_access_token").value_or("");
   ASSERT_FALSE(token.empty());
