@@ -21,7 +21,9 @@ std::string choosePrefix(const LocalCache& cache, const CommandLine& line) {
   if (!cache.preference(preference_keys::accessToken).value_or("").empty())
     if (const std::string user = cache.preference(preference_keys::userID).value_or(""); !user.empty()) return user;
   const std::vector<std::string> prefixes = cache.prefixes();
-  const bool local = std::ranges::find(prefixes, AppViewModel::localPrefix) != prefixes.end();
+  // A fleet that somebody has begun in the window counts before its first record.
+  const bool local = std::ranges::find(prefixes, AppViewModel::localPrefix) != prefixes.end() ||
+                     cache.preference(preference_keys::lastFleet) == AppViewModel::localPrefix;
   return std::string(local ? AppViewModel::localPrefix : AppViewModel::demoPrefix);
 }
 

@@ -177,6 +177,7 @@ void AccountController::signUp(const QString& email, const QString& password) {
                      entered();
                    } else {
                      end();
+                     setStep(QStringLiteral("signIn"));
                      outcome_ = QStringLiteral(
                                     "Check your e-mail: a message was sent to %1. Follow its link to "
                                     "confirm the address, then sign in here.")
@@ -293,9 +294,14 @@ void AccountController::requestSignOut() {
     return;
   }
   Q_EMIT signOutQuestion(
-      QStringLiteral("%1 not been sent to the fleet server yet. They stay on this computer and are sent when %2 signs "
-                     "in here again; until then nobody else sees them.")
-          .arg(waiting == 1 ? QStringLiteral("1 change has") : QStringLiteral("%1 changes have").arg(waiting), name()));
+      waiting == 1
+          ? QStringLiteral("1 change has not been sent to the fleet server yet. It stays on this computer and is sent "
+                           "when %1 signs in here again; until then nobody else sees it.")
+                .arg(name())
+          : QStringLiteral("%1 changes have not been sent to the fleet server yet. They stay on this computer and are "
+                           "sent when %2 signs in here again; until then nobody else sees them.")
+                .arg(waiting)
+                .arg(name()));
 }
 
 void AccountController::signOut() {

@@ -15,7 +15,8 @@ Card {
     AppText {
         text: root.conflict.deleted
               ? root.conflict.kept + " deleted this record (" + Format.dateTime(root.conflict.keptAt) + ") while " + root.otherWithin + " changed it (" + Format.dateTime(root.conflict.otherAt) + "). It stays deleted; the changed version is kept here."
-              : root.conflict.kept + " and " + root.otherWithin + " changed this at the same time. The later change stands; the other is kept here."
+              : (root.conflict.kept === "You" && root.conflict.other === "You" ? "You changed this on two computers" : root.conflict.kept + " and " + root.otherWithin + " changed this")
+                + " at the same time. The later change stands; the other is kept here."
         color: Theme.mute
         wrapMode: Text.Wrap
         Layout.fillWidth: true

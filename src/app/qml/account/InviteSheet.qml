@@ -16,11 +16,18 @@ FormSheet {
     error: Team.error
     dirty: email.text.length > 0 || name.text.length > 0
     onAboutToShow: Team.clearErrors()
+    onClosed: Team.clearErrors()
     onSaveRequested: Team.invite(email.text, name.text, role)
 
     Connections {
         target: Team
         function onDone() { root.close(); }
+        function onWorkChanged() {
+            if (Team.nameError)
+                name.forceFocus();
+            else if (Team.emailError)
+                email.forceFocus();
+        }
     }
 
     FieldRow {

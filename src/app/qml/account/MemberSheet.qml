@@ -21,6 +21,7 @@ FormSheet {
     canSave: member.id !== undefined
     dirty: name.text !== (member.name ?? "") || role !== (member.role ?? "") || active !== (member.active ?? false) || Object.keys(changed).length > 0
     onAboutToShow: Team.clearErrors()
+    onClosed: Team.clearErrors()
     onSaveRequested: Team.save(memberId, name.text, role, active, changed)
 
     Connections {

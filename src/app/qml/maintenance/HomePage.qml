@@ -8,12 +8,13 @@ Page {
     id: root
 
     readonly property var home: Maintenance.dashboard
+    readonly property bool closed: App.closedPages.includes("maintenance")
 
     title: home.greeting
     padding: 0
     actions: [
         SearchField { button: true; placeholder: "Search everything"; keyHint: "Ctrl K"; quiet: !Theme.dark; onClicked: App.post("openSearch"); Layout.preferredWidth: Math.max(180, Math.min(300, root.width - 460)) },
-        PrimaryButton { text: "New task"; writes: true; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.newTask() }
+        PrimaryButton { visible: !root.closed; text: "New task"; writes: true; iconName: "plus"; enabled: Maintenance.hasVessel; tip: "Ctrl+N"; onClicked: root.newTask() }
     ]
     help: Component {
         AppText { text: "The counters open the tasks behind them. Work is judged by date and by hour meter: keep the meters up to date, and this page tells what is due next."; wrapMode: Text.Wrap }
@@ -22,7 +23,7 @@ Page {
     onPosted: (name) => {
         if (name === "newRecord")
             newTask();
-        else if (name === "printPage" && Maintenance.hasVessel)
+        else if (name === "printPage" && Maintenance.hasVessel && !closed)
             Reports.openWorkList(Maintenance.board);
     }
     onCurrentChanged: watch()
@@ -41,7 +42,14 @@ Page {
 
     EmptyState {
         anchors.fill: parent
-        visible: !Maintenance.loading && !root.home.hasVessel
+        visible: root.closed
+        icon: "eye-slash"
+        title: "Maintenance is not open to you"
+        text: "The administrators of the account decide who sees it. What is open to you stands in the sidebar."
+    }
+    EmptyState {
+        anchors.fill: parent
+        visible: !root.closed && !Maintenance.loading && !root.home.hasVessel
         icon: "boat"
         title: "No vessel yet"
         text: "Add the vessel you look after. Its tasks, meters and service history follow."
@@ -50,7 +58,7 @@ Page {
     }
     ColumnLayout {
         anchors.centerIn: parent
-        visible: !Maintenance.loading && root.home.hasVessel && !root.home.hasTasks
+        visible: !root.closed && !Maintenance.loading && root.home.hasVessel && !root.home.hasTasks
         width: Math.min(parent.width - Theme.space8 * 2, 520)
         spacing: 0
         EmptyState {
@@ -70,7 +78,7 @@ Page {
     Flickable {
         id: flick
         anchors.fill: parent
-        visible: root.home.hasVessel && root.home.hasTasks
+        visible: !root.closed && root.home.hasVessel && root.home.hasTasks
         contentWidth: width
         contentHeight: column.implicitHeight + Theme.space4 * 2
         boundsBehavior: Flickable.StopAtBounds

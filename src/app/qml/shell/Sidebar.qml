@@ -51,6 +51,9 @@ Rectangle {
             model: App.pages.filter((page) => page.inSidebar && !App.hiddenModules.includes(page.id) && !App.closedPages.includes(page.id))
             activeFocusOnTab: true
             keyNavigationEnabled: true
+            // The page in view is marked where it can be seen, whichever way it was opened.
+            readonly property int shownEntry: model.findIndex((page) => page.id === App.page)
+            onShownEntryChanged: Qt.callLater(positionViewAtIndex, shownEntry, ListView.Contain)
             Keys.onReturnPressed: if (currentItem) currentItem.open()
             Keys.onSpacePressed: if (currentItem) currentItem.open()
             Accessible.role: Accessible.List
