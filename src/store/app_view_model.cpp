@@ -329,8 +329,37 @@ Saving AppViewModel::apply(Edit edit) {
   return saving;
 }
 
-void AppViewModel::applyInMemory(const Edit& edit) {
+template <class T>
+void AppViewModel::applyInMemory(std::vector<T> puts, const std::unordered_set<Uuid>& removes) {
   constexpr std::size_t kTellOneByOne = 32;
+  if (puts.empty() && removes.empty()) return;
+  Collection<T>& records = mutableCollection<T>();
+  if constexpr (std::is_same_v<T, VesselProfile>) {
+    const auto hasNewPhoto = [&records](const VesselProfile& put) {
+      const VesselProfile* current = records.find(put.id);
+      return put.photoPath != (current != nullptr ? current->photoPath : std::string());
+    };
+    if (std::ranges::any_of(puts, hasNewPhoto)) {
+      ++vesselPhotoCacheVersion_;
+      Q_EMIT vesselPhotoCacheVersionChanged();
+    }
+  }
+  if (puts.size() + removes.size() > kTellOneByOne) {
+    records.applyMany(std::move(puts), removes);
+  } else {
+    for (T& record : puts) records.put(std::move(record));
+    for (const Uuid& id : removes) records.remove(id);
+  }
+  if constexpr (std::is_same_v<T, ISMRecord>) qCInfo(storeLog, "💾 ISM save: count=%zu", records.size());
+  if constexpr (std::is_same_v<T, Vessel>) {
+    if (!selectedVessel()) {
+      const auto ordered = vesselsInOrder();
+      setSelectedVesselID(ordered.empty() ? std::nullopt : std::optional(ordered.front()->id));
+    }
+  }
+}
+
+void AppViewModel::applyInMemory(const Edit& edit) {
   forEachKind([&]<class T>(std::type_identity<T>) {
     std::vector<T> puts;
     std::unordered_set<Uuid> removes;
@@ -342,31 +371,7 @@ void AppViewModel::applyInMemory(const Edit& edit) {
         removes.insert(change.id());
       }
     }
-    if (puts.empty() && removes.empty()) return;
-    Collection<T>& records = mutableCollection<T>();
-    if constexpr (std::is_same_v<T, VesselProfile>) {
-      const auto hasNewPhoto = [&records](const VesselProfile& put) {
-        const VesselProfile* current = records.find(put.id);
-        return put.photoPath != (current != nullptr ? current->photoPath : std::string());
-      };
-      if (std::ranges::any_of(puts, hasNewPhoto)) {
-        ++vesselPhotoCacheVersion_;
-        Q_EMIT vesselPhotoCacheVersionChanged();
-      }
-    }
-    if (puts.size() + removes.size() > kTellOneByOne) {
-      records.applyMany(std::move(puts), removes);
-    } else {
-      for (T& record : puts) records.put(std::move(record));
-      for (const Uuid& id : removes) records.remove(id);
-    }
-    if constexpr (std::is_same_v<T, ISMRecord>) qCInfo(storeLog, "💾 ISM save: count=%zu", records.size());
-    if constexpr (std::is_same_v<T, Vessel>) {
-      if (!selectedVessel()) {
-        const auto ordered = vesselsInOrder();
-        setSelectedVesselID(ordered.empty() ? std::nullopt : std::optional(ordered.front()->id));
-      }
-    }
+    applyInMemory<T>(std::move(puts), removes);
   });
 }
 
@@ -386,10 +391,16 @@ Saving AppViewModel::save(JournalEntry entry) {
   auto promise = std::make_shared<QPromise<SaveResult>>();
   promise->start();
   Saving saving = promise->future();
-  pending_.push_back({std::move(entry), std::move(promise)});
+  const bool isOurs = std::ranges::any_of(entry.changes, [](const EntryChange& change) { return !change.sent; });
+  unsavedEdits_ += isOurs ? 1 : 0;
+  pending_.push_back({std::make_shared<const JournalEntry>(std::move(entry)), std::move(promise), isOurs});
   Q_EMIT unsavedChanged();
   saveNext();
   return saving;
+}
+
+Saving AppViewModel::everythingSaved() const {
+  return pending_.empty() ? finishedSaving(Revision{0}) : pending_.back().promise->future();
 }
 
 void AppViewModel::saveNext() {
@@ -412,9 +423,10 @@ void AppViewModel::saved(std::expected<Revision, CacheError> result) {
   }
   Pending done = std::move(pending_.front());
   pending_.pop_front();
+  unsavedEdits_ -= done.isOurs ? 1 : 0;
   saveProblem_.clear();
-  if (!staysOnThisComputer() && done.entry.prefix == prefix_) {
-    marks_.note(done.entry, *result);
+  if (!staysOnThisComputer() && done.entry->prefix == prefix_) {
+    marks_.note(*done.entry, *result);
     Q_EMIT unsentChanged();
   }
   done.promise->addResult(SaveResult(*result));
@@ -468,11 +480,12 @@ Saving AppViewModel::remove(const Uuid& id) {
   return apply(std::move(edit));
 }
 
-#define THALVORN_INSTANTIATE(Type)                  \
-  template Saving AppViewModel::add<Type>(Type);    \
-  template Saving AppViewModel::update<Type>(Type); \
-  template Saving AppViewModel::put<Type>(Type);    \
-  template Saving AppViewModel::remove<Type>(const Uuid&)
+#define THALVORN_INSTANTIATE(Type)                         \
+  template Saving AppViewModel::add<Type>(Type);           \
+  template Saving AppViewModel::update<Type>(Type);        \
+  template Saving AppViewModel::put<Type>(Type);           \
+  template Saving AppViewModel::remove<Type>(const Uuid&); \
+  template void AppViewModel::applyInMemory<Type>(std::vector<Type>, const std::unordered_set<Uuid>&)
 THALVORN_INSTANTIATE(Vessel);
 THALVORN_INSTANTIATE(MaintenanceTask);
 THALVORN_INSTANTIATE(ServiceLog);

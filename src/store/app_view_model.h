@@ -56,6 +56,7 @@ struct FromBackend {
   Uuid id;
   std::optional<T> theirs;  ///< empty: it is not there any more
   std::optional<T> merged;  ///< what it becomes here; the same as `theirs` when nothing of ours is left in it
+  StoredForm form = {};     ///< of `theirs`, where it has been made already
 };
 
 /// A record that reached the backend.
@@ -201,6 +202,11 @@ class AppViewModel : public QObject {
   // --------------------------------------------------------------------------------------------------------
   /// Edits on the screen that are not on disk yet.
   int unsavedCount() const { return static_cast<int>(pending_.size()); }
+  /// Those among them that were made here, or hold something of ours. While there are any it is not known what waits
+  /// for upload.
+  int unsavedEdits() const { return unsavedEdits_; }
+  /// Finishes once everything up to now is on disk.
+  Saving everythingSaved() const;
   /// Why the oldest of them could not be saved; empty while all is well.
   const std::string& saveProblem() const { return saveProblem_; }
   /// Tries again now.
@@ -226,16 +232,24 @@ class AppViewModel : public QObject {
   /// The records on disk that wait for upload.
   template <class T>
   std::vector<Unsent<T>> unsent() const;
+  /// The same of one record; empty when it does not wait.
+  template <class T>
+  std::optional<Unsent<T>> unsent(const Uuid& id) const;
   /// How many records wait, of one entry or of all. None ever waits of the fleets that stay on this computer.
   int dirtyCount() const { return static_cast<int>(marks_.records()); }
   int dirtyCount(std::string_view suffix) const { return static_cast<int>(marks_.records(suffix)); }
 
   /// Takes what the backend holds, in one edit that is neither uploaded nor undone. A record that waits for upload must
-  /// come with what it was merged to, from its state at this moment; it waits on, on top of `theirs`. Everything must
-  /// be saved (`unsavedCount()` is 0), since only then is it known what waits. `also`: what is changed here along with
-  /// it, to be uploaded.
+  /// come with what it was merged to, from its state at this moment; it waits on, on top of `theirs`. Every edit made
+  /// here must be saved (`unsavedEdits()` is 0), since only then is it known what waits; what came from the backend
+  /// before may still be on its way to the disk. `also`: what is changed here along with it, to be uploaded.
   template <class T>
   Saving takeFromBackend(std::vector<FromBackend<T>> records, Edit also = {});
+  /// So many records of a kind are about to come.
+  template <class T>
+  void makeRoom(std::size_t count) {
+    mutableCollection<T>().reserve(count);
+  }
   /// The backend holds these records as they are given, each since its edit `upTo`.
   template <class T>
   void markUploaded(const std::vector<Uploaded<T>>& records);
@@ -269,8 +283,9 @@ class AppViewModel : public QObject {
   using Collections = CollectionsOf<RecordTypes>::type;
   struct Loaded;
   struct Pending {
-    JournalEntry entry;
+    std::shared_ptr<const JournalEntry> entry;
     std::shared_ptr<QPromise<SaveResult>> promise;
+    bool isOurs = false;  ///< something in it waits for upload
   };
 
   static Loaded decodeState(LocalCache& cache, const AttachmentStore& attachments, const std::string& prefix,
@@ -281,6 +296,13 @@ class AppViewModel : public QObject {
   void noteDemoEdit();
   std::string refusalOf(const Edit& edit) const;
   void applyInMemory(const Edit& edit);
+  template <class T>
+  void applyInMemory(std::vector<T> puts, const std::unordered_set<Uuid>& removes);
+  /// Tells of records that came down, each given with what stood there before.
+  template <class T>
+  void tellReceived(std::vector<std::pair<Uuid, std::optional<T>>> changed, std::vector<RecordChange> also);
+  template <class T>
+  Unsent<T> unsentRecord(const Uuid& id, const UnsentMark* own, const UnsentMark* side) const;
   std::optional<AnyRecord> currentOf(const AnyRecord& like) const;
   Saving save(JournalEntry entry);
   void saveNext();
@@ -306,6 +328,7 @@ class AppViewModel : public QObject {
   std::optional<Uuid> spotlightHighlight_;
 
   std::deque<Pending> pending_;
+  int unsavedEdits_ = 0;
   bool saving_ = false;
   std::string saveProblem_;
   std::string loadProblem_;

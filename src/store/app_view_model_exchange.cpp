@@ -34,19 +34,16 @@ std::optional<T> fromEntries(const std::string& own, const std::string& extra) {
   return *std::move(record);
 }
 
-template <class T>
-std::optional<AnyRecord> anyRecord(std::optional<T> record) {
-  return record ? std::optional<AnyRecord>(*std::move(record)) : std::nullopt;
-}
+/// How many records `edited` tells of at a time: a page that came down is told in parts, for as changes of any kind the
+/// records take much more room.
+constexpr std::size_t kToldAtOnce = 128;
 
-void append(std::vector<EntryChange>& to, std::optional<AnyRecord> before, std::optional<AnyRecord> after, bool sent) {
-  if (before == after) return;
-  Edit edit;
-  edit.changes.push_back({std::move(before), std::move(after)});
-  for (EntryChange& change : entryChanges(edit)) {
-    change.sent = sent;
-    to.push_back(std::move(change));
-  }
+/// What the history calls an edit that came from the backend.
+constexpr const char* kReceived = "Received";
+
+template <class T>
+StoredForm formOf(const std::optional<T>& record) {
+  return record ? storedForm(*record) : StoredForm{};
 }
 
 bool isAcknowledgment(const RecordChange& change) {
@@ -108,69 +105,112 @@ std::string AppViewModel::refusalOf(const Edit& edit) const {
 }
 
 template <class T>
+Unsent<T> AppViewModel::unsentRecord(const Uuid& id, const UnsentMark* own, const UnsentMark* side) const {
+  Unsent<T> record{.id = id};
+  if (const T* current = collection<T>().find(id)) record.current = *current;
+  record.base = fromEntries<T>(own              ? own->before
+                               : record.current ? toJson(*record.current)
+                                                : std::string(),
+                               side             ? side->before
+                               : record.current ? sideJson(*record.current)
+                                                : std::string());
+  for (const UnsentMark* mark : {own, side}) {
+    if (!mark) continue;
+    record.revision = std::max(record.revision, mark->revision);
+    record.at = std::max(record.at, mark->at);
+    record.revived = record.revived || mark->revived;
+  }
+  return record;
+}
+
+template <class T>
 std::vector<Unsent<T>> AppViewModel::unsent() const {
   const auto& own = marks_.of(RecordKind<T>::facts.suffix);
   const auto& side = marks_.of(sideSuffix<T>());
   std::vector<Unsent<T>> waiting;
-  const auto add = [&](const Uuid& id, const UnsentMark* ownMark, const UnsentMark* sideMark) {
-    Unsent<T> record{.id = id};
-    if (const T* current = collection<T>().find(id)) record.current = *current;
-    record.base = fromEntries<T>(ownMark          ? ownMark->before
-                                 : record.current ? toJson(*record.current)
-                                                  : std::string(),
-                                 sideMark         ? sideMark->before
-                                 : record.current ? sideJson(*record.current)
-                                                  : std::string());
-    for (const UnsentMark* mark : {ownMark, sideMark}) {
-      if (!mark) continue;
-      record.revision = std::max(record.revision, mark->revision);
-      record.at = std::max(record.at, mark->at);
-      record.revived = record.revived || mark->revived;
-    }
-    waiting.push_back(std::move(record));
-  };
   for (const auto& [id, mark] : own) {
     const auto other = side.find(id);
-    add(id, &mark, other == side.end() ? nullptr : &other->second);
+    waiting.push_back(unsentRecord<T>(id, &mark, other == side.end() ? nullptr : &other->second));
   }
   for (const auto& [id, mark] : side)
-    if (!own.contains(id)) add(id, nullptr, &mark);
+    if (!own.contains(id)) waiting.push_back(unsentRecord<T>(id, nullptr, &mark));
   std::ranges::sort(waiting, {}, &Unsent<T>::revision);
   return waiting;
 }
 
 template <class T>
+std::optional<Unsent<T>> AppViewModel::unsent(const Uuid& id) const {
+  const UnsentMark* own = marks_.find(RecordKind<T>::facts.suffix, id);
+  const UnsentMark* side = marks_.find(sideSuffix<T>(), id);
+  return own || side ? std::optional(unsentRecord<T>(id, own, side)) : std::nullopt;
+}
+
+template <class T>
 Saving AppViewModel::takeFromBackend(std::vector<FromBackend<T>> records, Edit also) {
   if (cache_.isReadOnly()) return refused(cache_.readOnlyReason());
-  if (!pending_.empty()) return refused("What was entered here is not saved yet.");
-  Edit inMemory{.label = "Received", .isReceived = true};
-  JournalEntry entry{.revision = 0, .prefix = prefix_, .at = now(), .label = inMemory.label, .changes = {}};
+  if (unsavedEdits_ > 0) return refused("What was entered here is not saved yet.");
+  const std::string_view suffix = RecordKind<T>::facts.suffix;
+  const std::string side = sideSuffix<T>();
+  const bool anyWaits = !marks_.of(suffix).empty() || !marks_.of(side).empty();
+  JournalEntry entry{.revision = 0, .prefix = prefix_, .at = now(), .label = kReceived, .changes = {}};
+  entry.changes.reserve(records.size());
   std::vector<SentRecord> superseded;
+  std::vector<std::pair<Uuid, std::optional<T>>> changed;  ///< each with what stood there
+  changed.reserve(records.size());
+  std::vector<T> puts;
+  puts.reserve(records.size());
+  std::unordered_set<Uuid> removes;
   for (FromBackend<T>& record : records) {
-    const T* stored = collection<T>().find(record.id);
-    const std::optional<AnyRecord> current = stored ? std::optional<AnyRecord>(*stored) : std::nullopt;
-    const std::optional<AnyRecord> theirs = anyRecord(std::move(record.theirs));
-    const std::optional<AnyRecord> merged = anyRecord(std::move(record.merged));
-    append(entry.changes, current, theirs, true);
-    append(entry.changes, theirs, merged, false);
-    if (current != merged) inMemory.changes.push_back({current, merged});
-    for (const std::string& suffix : {std::string(RecordKind<T>::facts.suffix), sideSuffix<T>()})
-      if (const UnsentMark* mark = marks_.find(suffix, record.id))
-        superseded.push_back({suffix, record.id, mark->revision});
+    const T* current = collection<T>().find(record.id);
+    const bool known = current && record.theirs && *current == *record.theirs;
+    const bool isTheirs = record.theirs == record.merged;
+    if (record.theirs && record.form.own.empty() && !(known && isTheirs)) record.form = storedForm(*record.theirs);
+    std::vector<EntryChange> onTop;
+    if (!isTheirs) appendChanges(onTop, suffix, record.id, record.form, formOf(record.merged));
+    if (!known && (current || record.theirs))
+      appendChanges(entry.changes, suffix, record.id, current ? storedForm(*current) : StoredForm{},
+                    std::move(record.form), true);
+    std::ranges::move(onTop, std::back_inserter(entry.changes));
+    if (anyWaits)
+      for (const std::string_view name : {suffix, std::string_view(side)})
+        if (const UnsentMark* mark = marks_.find(name, record.id))
+          superseded.push_back({std::string(name), record.id, mark->revision});
+    if (current ? record.merged && *current == *record.merged : !record.merged) continue;
+    changed.emplace_back(record.id, current ? std::optional<T>(*current) : std::nullopt);
+    if (record.merged) {
+      puts.push_back(*std::move(record.merged));
+    } else {
+      removes.insert(record.id);
+    }
   }
-  for (RecordChange& change : also.changes) {
-    append(entry.changes, change.before, change.after, false);
-    inMemory.changes.push_back(std::move(change));
-  }
+  for (const EntryChange& change : entryChanges(also)) entry.changes.push_back(change);
   if (entry.changes.empty()) return finishedSaving(Revision{0});
-  if (!inMemory.empty()) applyInMemory(inMemory);
+  applyInMemory<T>(std::move(puts), removes);
+  applyInMemory(also);
   Saving saving = save(std::move(entry));
   if (!superseded.empty())
     saving.then(this, [this, prefix = prefix_, superseded = std::move(superseded)](const SaveResult& result) {
       if (result) cache_.markSent(prefix, superseded, {});
     });
-  if (!inMemory.empty()) Q_EMIT edited(inMemory);
+  tellReceived<T>(std::move(changed), std::move(also.changes));
   return saving;
+}
+
+template <class T>
+void AppViewModel::tellReceived(std::vector<std::pair<Uuid, std::optional<T>>> changed,
+                                std::vector<RecordChange> also) {
+  Edit part{.label = kReceived, .changes = std::move(also), .isReceived = true};
+  for (auto& [id, before] : changed) {
+    const T* after = collection<T>().find(id);
+    if (!before && !after) continue;
+    RecordChange& change = part.changes.emplace_back();
+    if (before) change.before.emplace(*std::move(before));
+    if (after) change.after.emplace(*after);
+    if (part.changes.size() < kToldAtOnce) continue;
+    Q_EMIT edited(part);
+    part.changes.clear();
+  }
+  if (!part.empty()) Q_EMIT edited(part);
 }
 
 template <class T>
@@ -192,6 +232,7 @@ void AppViewModel::markUploaded(const std::vector<Uploaded<T>>& records) {
 
 #define THALVORN_INSTANTIATE(Type)                                                           \
   template std::vector<Unsent<Type>> AppViewModel::unsent<Type>() const;                     \
+  template std::optional<Unsent<Type>> AppViewModel::unsent<Type>(const Uuid&) const;        \
   template Saving AppViewModel::takeFromBackend<Type>(std::vector<FromBackend<Type>>, Edit); \
   template void AppViewModel::markUploaded<Type>(const std::vector<Uploaded<Type>>&)
 THALVORN_INSTANTIATE(Vessel);

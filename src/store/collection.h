@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QSignalBlocker>
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <span>
@@ -33,10 +34,11 @@ class CollectionEvents : public QObject {
 /// identities themselves are read from the records.
 class IdentityIndex {
  public:
+  /// `expected`: as many records as there may soon be.
   template <class T>
-  void rebuild(const std::vector<T>& records) {
+  void rebuild(const std::vector<T>& records, std::size_t expected = 0) {
     std::size_t size = 16;
-    while (size < records.size() * 2) size *= 2;
+    while (size < std::max(records.size(), expected) * 2) size *= 2;
     slots_.assign(size, kFree);
     used_ = records.size();
     for (std::size_t i = 0; i < records.size(); ++i) place(records[i].id, static_cast<std::uint32_t>(i));
@@ -100,6 +102,13 @@ class Collection {
     records_ = std::move(records);
     index_.rebuild(records_);
     Q_EMIT events_->reset();
+  }
+
+  /// Makes room for so many records, so that adding them one page after another moves none.
+  void reserve(std::size_t count) {
+    if (count <= records_.capacity()) return;
+    records_.reserve(count);
+    index_.rebuild(records_, count);
   }
 
   /// Adds the record, or replaces the one with its identity.

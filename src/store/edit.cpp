@@ -5,25 +5,10 @@ namespace {
 
 template <class T>
 bool hasInitialExtras(const T& record) {
+  static const T initial{};
   FieldSet extra{};
   for (const std::string_view name : JsonForm<T>::extra) extra |= fieldSetOf<T>({name});
-  return (changedFields(T{}, record) & extra) == FieldSet{};
-}
-
-template <class T>
-void appendChanges(std::vector<EntryChange>& out, const T* before, const T* after) {
-  const Uuid id = (after ? after : before)->id;
-  std::string oldOwn = before ? toJson(*before) : std::string();
-  std::string newOwn = after ? toJson(*after) : std::string();
-  if (oldOwn != newOwn)
-    out.push_back({std::string(RecordKind<T>::facts.suffix), id, std::move(oldOwn), std::move(newOwn)});
-  if constexpr (HasExtraFields<T>) {
-    std::string oldExtra = before ? extraJson(*before) : std::string();
-    std::string newExtra = after ? extraJson(*after) : std::string();
-    if (oldExtra != newExtra)
-      out.push_back(
-          {std::string(RecordKind<T>::facts.suffix) + "_extra", id, std::move(oldExtra), std::move(newExtra)});
-  }
+  return (changedFields(initial, record) & extra) == FieldSet{};
 }
 
 template <class T>
@@ -56,6 +41,14 @@ template std::string extraJson<Vessel>(const Vessel&);
 template std::string extraJson<MaintenanceTask>(const MaintenanceTask&);
 template std::string extraJson<ServiceLog>(const ServiceLog&);
 
+void appendChanges(std::vector<EntryChange>& out, std::string_view suffix, const Uuid& id, StoredForm before,
+                   StoredForm after, bool sent) {
+  if (before.own != after.own)
+    out.push_back({std::string(suffix), id, std::move(before.own), std::move(after.own), sent});
+  if (before.extra != after.extra)
+    out.push_back({std::string(suffix) + "_extra", id, std::move(before.extra), std::move(after.extra), sent});
+}
+
 Uuid RecordChange::id() const {
   return std::visit([](const auto& record) { return record.id; }, either());
 }
@@ -65,8 +58,10 @@ std::vector<EntryChange> entryChanges(const Edit& edit) {
   for (const RecordChange& change : edit.changes) {
     std::visit(
         [&]<class T>(const T&) {
-          appendChanges<T>(entries, change.before ? std::get_if<T>(&*change.before) : nullptr,
-                           change.after ? std::get_if<T>(&*change.after) : nullptr);
+          const auto form = [](const std::optional<AnyRecord>& side) {
+            return side ? storedForm(std::get<T>(*side)) : StoredForm{};
+          };
+          appendChanges(entries, RecordKind<T>::facts.suffix, change.id(), form(change.before), form(change.after));
         },
         change.either());
   }

@@ -50,6 +50,24 @@ std::vector<EntryChange> entryChanges(const Edit& edit);
 template <class T>
 std::string extraJson(const T& record);
 
+/// A record as its entries keep it.
+struct StoredForm {
+  std::string own;
+  std::string extra;  ///< of the side entry; empty where there is none
+};
+
+template <class T>
+StoredForm storedForm(const T& record) {
+  StoredForm form{.own = toJson(record), .extra = {}};
+  if constexpr (HasExtraFields<T>) form.extra = extraJson(record);
+  return form;
+}
+
+/// Appends the changes of one record between two forms; an empty one is a record that is not there. `sent`: the backend
+/// has it so.
+void appendChanges(std::vector<EntryChange>& out, std::string_view suffix, const Uuid& id, StoredForm before,
+                   StoredForm after, bool sent = false);
+
 /// The edit that takes `edit` back: fields that nobody changed since get their earlier value, deleted records return,
 /// added ones go. `current` gives a record as it stands now.
 Edit inverseOf(const Edit& edit, const std::function<std::optional<AnyRecord>(const AnyRecord&)>& current);

@@ -178,7 +178,7 @@ std::vector<std::string> LocalCache::prefixes() const {
   return all;
 }
 
-void LocalCache::append(JournalEntry entry, Done done) {
+void LocalCache::append(std::shared_ptr<const JournalEntry> entry, Done done) {
   impl_->writer.append(std::move(entry), std::move(done));
   impl_->savePreferences();
 }

@@ -111,7 +111,10 @@ class LocalCache {
 
   /// Makes an edit durable: one journal row in one transaction. `done` runs on the writer thread once it is on disk, or
   /// with the error, in which case nothing was written and the caller may ask again.
-  void append(JournalEntry entry, Done done);
+  void append(std::shared_ptr<const JournalEntry> entry, Done done);
+  void append(JournalEntry entry, Done done) {
+    append(std::make_shared<const JournalEntry>(std::move(entry)), std::move(done));
+  }
 
   /// Replaces everything stored under a prefix in one transaction: entries that are not named are removed, and its
   /// journal is dropped with the edits that still wait for upload (demo fleet, computer-only fleet, "clear cache").

@@ -16,6 +16,7 @@ using SQLite::TransactionBehavior;
 /// How much of the journal one step reads.
 constexpr std::size_t kBytesPerStep = 65'536;
 constexpr int kRowsPerStep = 32;
+constexpr int kNewSegmentsPerStep = 4;
 /// A segment that grows beyond this multiple of its target is split.
 constexpr std::size_t kSplitFactor = 4;
 
@@ -236,19 +237,20 @@ void JournalFold::planAppending(const std::string& suffix, Entry& entry) {
     const std::string tail = query.getColumn(1).getString();
     if (splitJsonList(tail)) tail_bytes = tail.size();
   }
-  std::vector<std::string_view> rest;
   for (const Fate* fate : added) {
-    const bool fits = rest.empty() && tail_bytes < options_.segmentBytes &&
+    const bool fits = entry.intoNew.empty() && tail_bytes < options_.segmentBytes &&
                       fate->after.size() + 1 <= options_.segmentBytes - tail_bytes;
     if (fits) tail_bytes += fate->after.size() + 1;
-    (fits ? entry.intoTail : rest).push_back(fate->after);
+    if (fits) {
+      entry.intoTail.emplace_back(fate->after);
+    } else {
+      entry.intoNew.emplace_back(fate->after);
+    }
   }
-  for (std::string& segment : cutIntoSegments(rest, options_.segmentBytes))
-    entry.newSegments.push_back(std::move(segment));
 }
 
 void JournalFold::append() {
-  while (entry_ != entries_.end() && entry_->second.newSegments.empty()) ++entry_;
+  while (entry_ != entries_.end() && entry_->second.intoNew.empty()) ++entry_;
   if (entry_ == entries_.end()) {
     phase_ = Phase::finish;
     return;
@@ -260,11 +262,18 @@ void JournalFold::append() {
   Statement query(database_, "SELECT max(position) FROM segment WHERE prefix = ? AND suffix = ?");
   SQLite::bind(query, prefix_, entry_->first);
   query.executeStep();
-  const std::int64_t last = query.getColumn(0).getInt64();
-  change(database_, "INSERT INTO segment(prefix, suffix, position, pending, json) VALUES(?, ?, ?, ?, ?)", prefix_,
-         entry_->first, last + kPositionGap, target_, entry.newSegments.front());
+  std::int64_t last = query.getColumn(0).getInt64();
+  for (int count = 0; count < kNewSegmentsPerStep && !entry.intoNew.empty(); ++count) {
+    std::string segment;
+    do {
+      segment.append(segment.empty() ? "[" : ",").append(entry.intoNew.front());
+      entry.intoNew.pop_front();
+    } while (!entry.intoNew.empty() && segment.size() + entry.intoNew.front().size() + 2 <= options_.segmentBytes);
+    segment += ']';
+    change(database_, "INSERT INTO segment(prefix, suffix, position, pending, json) VALUES(?, ?, ?, ?, ?)", prefix_,
+           entry_->first, last += kPositionGap, target_, segment);
+  }
   transaction.commit();
-  entry.newSegments.pop_front();
 }
 
 void JournalFold::finish() {

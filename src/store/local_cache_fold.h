@@ -33,8 +33,8 @@ std::vector<std::string> cutIntoSegments(const Records& records, std::size_t seg
   return segments;
 }
 
-/// Brings the journal's edits into the segments, a step at a time; each step writes at most one segment and is a
-/// transaction of its own.
+/// Brings the journal's edits into the segments, a step at a time; each step replaces at most one segment or writes a
+/// few new ones, and is a transaction of its own.
 ///
 /// Records that exist are replaced or taken out where they lie. New ones are written as `pending` segments, which
 /// nobody reads, until the last step shows them all together by moving the prefix's fold mark; the same step fills up
@@ -62,7 +62,7 @@ class JournalFold {
   struct Entry {
     std::unordered_map<Uuid, Fate> fates;
     std::vector<std::string_view> intoTail;
-    std::deque<std::string> newSegments;
+    std::deque<std::string_view> intoNew;  ///< of new segments
     std::int64_t lastPosition = 0;
   };
   enum class Phase { begin, gather, scan, append, finish, purge };

@@ -101,20 +101,20 @@ Revision CacheWriter::insertEdit(const JournalEntry& entry, const std::string& c
   return file_.writer->getLastInsertRowid();
 }
 
-void CacheWriter::append(JournalEntry entry, Done done) {
+void CacheWriter::append(std::shared_ptr<const JournalEntry> entry, Done done) {
   {
     const std::lock_guard lock(mutex_);
     queue_.emplace_back([this, entry = std::move(entry), done = std::move(done)] {
       std::expected<Revision, CacheError> result;
       if (!file_.writer) {
         result = std::unexpected(CacheError{CacheError::Kind::readOnly, file_.readOnlyReason});
-      } else if (const std::string changes = encodeChanges(entry.changes); !decodeChanges(changes)) {
+      } else if (const std::string changes = encodeChanges(entry->changes); !decodeChanges(changes)) {
         result =
             std::unexpected(cacheError(CacheError::Kind::other, file_.path,
-                                       "a record of “" + entry.label + "” is not well-formed, it was not written"));
+                                       "a record of “" + entry->label + "” is not well-formed, it was not written"));
       } else {
         try {
-          result = insertEdit(entry, changes);
+          result = insertEdit(*entry, changes);
           ++waitingEdits_;
           waitingBytes_ += changes.size();
           foldHeldBack_ = false;

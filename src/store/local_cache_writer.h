@@ -38,7 +38,7 @@ class CacheWriter {
   /// Runs `work` in a transaction of its own and tells `done`.
   void write(Work work, Done done);
   /// One journal row.
-  void append(JournalEntry entry, Done done);
+  void append(std::shared_ptr<const JournalEntry> entry, Done done);
   void fold(Done done);
   bool isFolding() const { return folding_; }
   /// Has the folded rows looked through at the next idle moment, for some may not be needed any more. On the writer

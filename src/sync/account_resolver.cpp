@@ -114,9 +114,11 @@ SBTask<bool> AccountResolver::resolveAccountAndMembership() {
   const AccountMember membership = *chosen;
   const std::string account = membership.accountId.toString();
 
-  const auto accountRow = co_await client_.read(TableQuery("accounts").eq("id", account));
+  auto accountAsked = client_.read(TableQuery("accounts").eq("id", account));
+  auto membersAsked = readMembers(TableQuery("account_members").eq("account_id", account));
+  const auto accountRow = co_await accountAsked;
+  auto members = co_await membersAsked;
   if (!accountRow) co_return failed(accountRow.error());
-  auto members = co_await readMembers(TableQuery("account_members").eq("account_id", account));
   if (!members) co_return failed(members.error());
   if (client_.userID().toStdString() != user || model_.prefix() != user) co_return false;
 

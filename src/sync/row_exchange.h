@@ -28,6 +28,7 @@ template <class T>
 struct ReceivedRow {
   RowOf<T> row;
   T record;
+  StoredForm form = {};  ///< of the record, where it is made already
   /// Documents in it that this program cannot read; written back, they would be lost.
   std::vector<JsonError> unreadable = {};
   /// Of a yard period.
@@ -46,6 +47,7 @@ constexpr std::string_view table() {
 SBError notSaved();
 
 inline QCoro::Task<bool> whenSaved(SyncRunPtr run) { return thalvorn::whenSaved(&run->model, run->token); }
+inline QCoro::Task<bool> whenEditsSaved(SyncRunPtr run) { return thalvorn::whenEditsSaved(&run->model, run->token); }
 inline QCoro::Task<bool> whenSaved(SyncRunPtr run, Saving saving) {
   return thalvorn::whenSaved(&run->model, std::move(saving), run->token);
 }
@@ -69,29 +71,62 @@ void tellUnreadable(SyncRun& run, const Row& row, const JsonError& error) {
   }
 }
 
-/// The rows of a reply; one that cannot be read is told and passed over. Empty when the reply is no list.
-/// `unread` takes the identities of those that it passes over: they are there all the same.
+/// A row that was read apart from the records of this computer, and what it comes to where there is none of them.
 template <class T>
-std::optional<Received<T>> receive(SyncRun& run, const QByteArray& json, std::unordered_set<Uuid>* unread) {
-  auto rows =
+struct ReadRow {
+  RowOf<T> row;
+  std::expected<FromRow<T>, JsonError> made;
+  StoredForm form;
+};
+
+/// The rows of a reply, read without looking at anything else: on any thread. Empty when the reply is no list.
+template <class T>
+struct ReadRows {
+  std::vector<ReadRow<T>> rows;
+  std::vector<SetAside> setAside;
+};
+
+template <class T>
+std::optional<ReadRows<T>> decode(const QByteArray& json) {
+  auto list =
       listFromJson<RowOf<T>>(std::string_view(json.data(), static_cast<std::size_t>(json.size())), JsonFields::full);
-  if (!rows) return std::nullopt;
-  Received<T> received;
-  for (const SetAside& faulty : rows->setAside) {
+  if (!list) return std::nullopt;
+  ReadRows<T> read{.rows = {}, .setAside = std::move(list->setAside)};
+  read.rows.reserve(list->records.size());
+  for (RowOf<T>& row : list->records) {
+    auto made = recordFromRow<T>(row);
+    StoredForm form = made ? storedForm(made->record) : StoredForm{};
+    read.rows.push_back({std::move(row), std::move(made), std::move(form)});
+  }
+  return read;
+}
+
+/// The records of rows that have been read, as they complete those of this computer. A row that cannot be read is told
+/// and passed over; `unread` takes the identities of those: they are there all the same.
+template <class T>
+std::vector<ReceivedRow<T>> receive(SyncRun& run, ReadRows<T> read, std::unordered_set<Uuid>* unread) {
+  std::vector<ReceivedRow<T>> received;
+  received.reserve(read.rows.size());
+  for (const SetAside& faulty : read.setAside) {
     run.log.say("❌ " + std::string(table<T>()) + ": a row cannot be read: " + faulty.error.message());
     run.problems.push_back(
         {std::string(table<T>()), {}, "A row cannot be read by this program: " + faulty.error.message()});
     if (const auto id = identityIn(faulty.bytes)) unread->insert(*id);
   }
-  for (RowOf<T>& row : rows->records) {
-    auto made = recordFromRow<T>(row, run.model.collection<T>().find(row.id));
-    if (!made) {
-      tellUnreadable(run, row, made.error());
-      unread->insert(row.id);
+  for (ReadRow<T>& one : read.rows) {
+    if (const T* known = run.model.collection<T>().find(one.row.id)) {
+      one.made = recordFromRow<T>(one.row, known);
+      one.form = {};
+    }
+    if (!one.made) {
+      tellUnreadable(run, one.row, one.made.error());
+      unread->insert(one.row.id);
       continue;
     }
-    const Uuid id = row.id;
-    received.insert_or_assign(id, ReceivedRow<T>{std::move(row), std::move(made->record), std::move(made->unreadable)});
+    received.push_back({.row = std::move(one.row),
+                        .record = std::move(one.made->record),
+                        .form = std::move(one.form),
+                        .unreadable = std::move(one.made->unreadable)});
   }
   return received;
 }
@@ -109,24 +144,27 @@ inline std::vector<std::vector<Uuid>> inParts(std::vector<Uuid> ids) {
 
 /// Completes records that lie in several tables.
 template <class T>
-SBTask<void> complete(SyncRunPtr run, Received<T>* received) {
+SBTask<void> complete(SyncRunPtr run, std::vector<ReceivedRow<T>>* received) {
+  std::vector<Uuid> ids;
+  std::unordered_map<Uuid, ReceivedRow<T>*> rows;
+  if constexpr (std::is_same_v<T, YardPeriod> || std::is_same_v<T, CrewBoardPost>) {
+    for (ReceivedRow<T>& row : *received)
+      if (rows.insert_or_assign(row.row.id, &row).second) ids.push_back(row.row.id);
+  }
   if constexpr (std::is_same_v<T, YardPeriod>) {
-    std::vector<Uuid> ids;
-    for (const auto& entry : *received) ids.push_back(entry.first);
     for (const std::vector<Uuid>& some : inParts(std::move(ids))) {
       auto parts = co_await readYardParts(run, some);
       if (!parts) co_return std::unexpected(parts.error());
       for (const Uuid& id : some) {
-        ReceivedRow<T>& row = received->at(id);
+        ReceivedRow<T>& row = *rows.at(id);
+        row.form = {};
         row.parts = std::make_shared<const YardPartRows>(std::move((*parts)[id]));
         attachParts(row.record, *row.parts, run->model.collection<T>().find(id));
       }
     }
   }
   if constexpr (std::is_same_v<T, CrewBoardPost>) {
-    std::vector<Uuid> ids;
-    if (run->schema.acknowledgments)
-      for (const auto& entry : *received) ids.push_back(entry.first);
+    if (!run->schema.acknowledgments) ids.clear();
     for (const std::vector<Uuid>& some : inParts(std::move(ids))) {
       auto acknowledgments = co_await readAcknowledgments(run, some);
       if (!acknowledgments && acknowledgments.error().remedy == SBError::Remedy::updateSchema) {
@@ -134,7 +172,10 @@ SBTask<void> complete(SyncRunPtr run, Received<T>* received) {
         break;
       }
       if (!acknowledgments) co_return std::unexpected(acknowledgments.error());
-      for (const Uuid& id : some) received->at(id).record.acknowledgments = std::move((*acknowledgments)[id]);
+      for (const Uuid& id : some) {
+        rows.at(id)->record.acknowledgments = std::move((*acknowledgments)[id]);
+        rows.at(id)->form = {};
+      }
     }
   }
   co_return {};
@@ -143,24 +184,32 @@ SBTask<void> complete(SyncRunPtr run, Received<T>* received) {
 /// The rows of these identities as they stand on the server, whose replies may be shorter than the list.
 template <class T>
 SBTask<Received<T>> readRows(SyncRunPtr run, std::vector<Uuid> ids, std::unordered_set<Uuid>* unread) {
-  Received<T> all;
+  std::vector<ReceivedRow<T>> all;
   while (!ids.empty()) {
     const auto reply = co_await run->client.read(TableQuery(table<T>()).eq("account_id", run->accountID).in("id", ids),
                                                  ids.size() > 1);
     if (!reply) co_return std::unexpected(reply.error());
     if (run->token.isOver()) break;
     const std::size_t asked = ids.size();
-    auto received = receive<T>(*run, reply->rows, unread);
-    if (!received) co_return std::unexpected(SBError::server(200, QStringLiteral("Invalid JSON response")));
-    std::erase_if(ids, [&](const Uuid& id) { return received->contains(id) || unread->contains(id); });
+    auto read = decode<T>(reply->rows);
+    if (!read) co_return std::unexpected(SBError::server(200, QStringLiteral("Invalid JSON response")));
+    for (ReceivedRow<T>& row : receive<T>(*run, *std::move(read), unread)) {
+      std::erase(ids, row.row.id);
+      all.push_back(std::move(row));
+    }
+    std::erase_if(ids, [&](const Uuid& id) { return unread->contains(id); });
     const std::size_t came = asked - ids.size();
     const bool isCut = came > 0 && reply->total.value_or(0) > static_cast<std::int64_t>(came);
-    all.merge(*received);
     if (!isCut) break;
   }
   const auto completed = co_await complete<T>(run, &all);
   if (!completed) co_return std::unexpected(completed.error());
-  co_return std::move(all);
+  Received<T> byIdentity;
+  for (ReceivedRow<T>& row : all) {
+    const Uuid id = row.row.id;
+    byIdentity.insert_or_assign(id, std::move(row));
+  }
+  co_return std::move(byIdentity);
 }
 
 template <class T>

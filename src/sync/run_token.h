@@ -12,16 +12,16 @@ class RunToken {
   /// One that is over whenever `whole` is, and may be over sooner.
   static RunToken partOf(const RunToken& whole) {
     RunToken part;
-    part.whole_ = whole.over_;
+    part.whole_ = std::make_shared<const RunToken>(whole);
     return part;
   }
 
-  bool isOver() const { return *over_ || (whole_ && *whole_); }
+  bool isOver() const { return *over_ || (whole_ && whole_->isOver()); }
   void end() { *over_ = true; }
 
  private:
   std::shared_ptr<bool> over_;
-  std::shared_ptr<bool> whole_;
+  std::shared_ptr<const RunToken> whole_;
 };
 
 }  // namespace thalvorn

@@ -18,4 +18,8 @@ SBTask<void> uploadChanges(SyncRunPtr run, RunToken token);
 template <class T>
 SBTask<bool> downloadRows(SyncRunPtr run, RunToken token);
 
+/// Asks for the first rows of one kind before its step's turn.
+template <class T>
+void askAhead(SyncRun& run);
+
 }  // namespace thalvorn

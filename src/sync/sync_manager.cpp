@@ -38,6 +38,7 @@ struct SyncStep {
   SBTask<void> (*deletions)(SyncRunPtr, RunToken);
   SBTask<void> (*uploads)(SyncRunPtr, RunToken);
   SBTask<bool> (*download)(SyncRunPtr, RunToken);
+  void (*ahead)(SyncRun&);
   int (*waiting)(const AppViewModel&);
   std::span<const std::string_view> parts = {};  ///< further tables that hold what belongs to the records
   bool byVessel = false;                         ///< read for one vessel after the other
@@ -55,6 +56,7 @@ constexpr Step step() {
           .deletions = &uploadDeletions<T>,
           .uploads = &uploadChanges<T>,
           .download = &downloadRows<T>,
+          .ahead = &askAhead<T>,
           .waiting = [](const AppViewModel& model) { return model.dirtyCount(RecordKind<T>::facts.suffix); },
           .byVessel = RowKind<T>::facts.scope == RowScope::vessel};
 }
@@ -96,6 +98,7 @@ constexpr std::array kSteps{
          .deletions = nullptr,
          .uploads = &uploadSettings,
          .download = &downloadSettings,
+         .ahead = nullptr,
          .waiting = &settingsWaiting},
     step<SubscriptionAccount>(),
     with(step<CrewBoardPost>(), kAcknowledgmentTables),
@@ -126,6 +129,7 @@ SBTask<bool> workOf(const Step* step, SyncRunPtr run, RunToken token, Part part)
     co_return false;
   }
   if (step->waiting(run->model) > 0) {
+    run->ahead->forget(step->table);
     const auto uploaded = co_await step->uploads(run, token);
     if (!uploaded) co_return std::unexpected(uploaded.error());
   }
@@ -175,6 +179,7 @@ SyncManager::SyncManager(AppViewModel& model, SupabaseClient& client, AccountRes
       timing_(timing),
       options_(options),
       metered_(model.cache()) {
+  decoder_.setMaxThreadCount(1);
   heldBack_.setSingleShot(true);
   connect(&heldBack_, &QTimer::timeout, this, &SyncManager::push);
   connect(&model_, &AppViewModel::prefixChanged, this, [this] {
@@ -286,7 +291,8 @@ QCoro::Task<SyncOutcome> SyncManager::runNow(Extent extent) {
                                                      .accountID = model_.accountID(),
                                                      .userID = client_.userID().toStdString(),
                                                      .token = token_,
-                                                     .deleteBefore = model_.now() - options_.deletionDelay});
+                                                     .deleteBefore = model_.now() - options_.deletionDelay,
+                                                     .decoder = decoder_});
   Q_EMIT stateChanged();
   co_await work(run, extent);
   if (run->token.isOver()) co_return SyncOutcome::incomplete;
@@ -453,6 +459,31 @@ void SyncManager::noteOverrun(SyncRun& run, std::string_view label, std::string_
   run.problems.push_back({std::string(table), {}, "The server took too long to answer; it is tried again."});
 }
 
+std::optional<std::int64_t> SyncManager::versionNow(const Stamps& stamps, const SyncStep& step) {
+  if (!stamps.now) return std::nullopt;
+  std::int64_t version = versionOf(*stamps.now, step.table);
+  for (const std::string_view part : step.parts) version += versionOf(*stamps.now, part);
+  return version;
+}
+
+bool SyncManager::isDue(const Stamps& stamps, const SyncStep& step, Extent extent) {
+  if (extent == Extent::uploads) return false;
+  const std::optional<std::int64_t> version = versionNow(stamps, step);
+  const auto before = stamps.known.find(step.table);
+  return extent == Extent::everything || !version || before == stamps.known.end() || before->second != *version;
+}
+
+void SyncManager::askAhead(SyncRun& run, const SyncStep* step, Extent extent, const Stamps& stamps) {
+  const auto current = static_cast<std::size_t>(step - kSteps.data());
+  for (run.aheadFrom = std::max(run.aheadFrom, current + 1); run.aheadFrom < kSteps.size(); ++run.aheadFrom) {
+    const Step& next = kSteps[run.aheadFrom];
+    // What is known of the vessels before their own step may not be all.
+    if (run.ahead->isFull() || (next.byVessel && current == 0)) return;
+    const bool isBusy = waitLeft(next.table).count() > 0;
+    if (next.ahead && !isBusy && isDue(stamps, next, extent) && next.waiting(model_) == 0) next.ahead(run);
+  }
+}
+
 QCoro::Task<void> SyncManager::exchange(SyncRunPtr run, Extent extent, Stamps* stamps) {
   std::vector<const SyncStep*> steps;
   for (const Step& step : kSteps) steps.push_back(&step);
@@ -463,19 +494,12 @@ QCoro::Task<void> SyncManager::exchange(SyncRunPtr run, Extent extent, Stamps* s
 
 QCoro::Task<SyncManager::Exchanged> SyncManager::exchangeTable(SyncRunPtr run, const SyncStep* step, Extent extent,
                                                                Stamps* stamps, bool mayWait) {
-  bool download = false;
-  std::optional<std::int64_t> version;
-  if (extent != Extent::uploads) {
-    if (stamps->now) {
-      version = versionOf(*stamps->now, step->table);
-      for (const std::string_view part : step->parts) *version += versionOf(*stamps->now, part);
-    }
-    const auto before = stamps->known.find(step->table);
-    download = extent == Extent::everything || !version || before == stamps->known.end() || before->second != *version;
-  }
+  const bool download = isDue(*stamps, *step, extent);
+  const std::optional<std::int64_t> version = versionNow(*stamps, *step);
   if (!download && step->waiting(model_) == 0) co_return Exchanged::done;
   if (mayWait)
     if (const auto instead = beforeExchange(*run, step->table)) co_return *instead;
+  askAhead(*run, step, extent, *stamps);
   run->tables.insert(step->table);
   run->version = version;
   currentTable_ = step->table;

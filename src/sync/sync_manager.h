@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QThreadPool>
 #include <QTimer>
 #include <chrono>
 #include <functional>
@@ -116,6 +117,12 @@ class SyncManager : public QObject, public SyncTrigger {
   std::optional<Exchanged> beforeExchange(SyncRun& run, std::string_view table);
   /// How long the table's server still wants not to be asked; zero or less when it may be.
   std::chrono::milliseconds waitLeft(std::string_view table) const;
+  /// The change stamp of what a step reads; empty where the server has none.
+  static std::optional<std::int64_t> versionNow(const Stamps& stamps, const SyncStep& step);
+  /// Whether a step's tables have changed since they were read last, or may have.
+  static bool isDue(const Stamps& stamps, const SyncStep& step, Extent extent);
+  /// Asks for the first rows of the tables behind `step`, so far as there is room.
+  void askAhead(SyncRun& run, const SyncStep* step, Extent extent, const Stamps& stamps);
   void noteOverrun(SyncRun& run, std::string_view label, std::string_view table);
   std::int64_t pagesReached() const;
   static bool isUpToDate(const Stamps& stamps, std::string_view table);
@@ -144,6 +151,7 @@ class SyncManager : public QObject, public SyncTrigger {
   std::map<std::string, std::shared_ptr<PartialDownload>, std::less<>> partial_;
   std::int64_t reached_ = 0;  ///< as `pagesReached` was after the last step that took too long
   bool goOn_ = false;         ///< such a step got further, so the next run does too
+  QThreadPool decoder_;       ///< one thread that reads large pages
   QTimer heldBack_;           ///< until the deletions that can still be undone may be sent
 };
 

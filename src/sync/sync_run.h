@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QThreadPool>
 #include <map>
 #include <memory>
 #include <set>
@@ -48,6 +49,10 @@ struct SyncRun {
   std::vector<SyncProblem> problems;
   std::set<std::string_view> tables = {};  ///< those that were exchanged
   int unanswered = 0;                      ///< tables, the last ones, that were asked for in vain
+  QThreadPool& decoder;                    ///< where large pages are read
+  std::shared_ptr<RequestTurns> turns = std::make_shared<RequestTurns>();
+  std::shared_ptr<PagesAhead> ahead = std::make_shared<PagesAhead>();
+  std::size_t aheadFrom = 0;  ///< the first step that has not been asked for ahead
   bool lostConnection = false;
   bool sessionGone = false;
 };

@@ -16,63 +16,110 @@ template <class T>
 struct Gathered {
   SyncRunPtr run;
   RunToken token;
-  std::shared_ptr<std::unordered_set<Uuid>> seen;  ///< of the rows' owner whose turn it is
+  std::shared_ptr<UuidSet> seen;  ///< of the rows' owner whose turn it is
   std::optional<SBError> failure;
 };
 
+/// Reads a page, a large one on a thread of its own: the store's has other things to do.
 template <class T>
-QCoro::Task<int> takePage(std::shared_ptr<Gathered<T>> gathered, QByteArray rows) {
+QCoro::Task<std::shared_ptr<std::optional<ReadRows<T>>>> decodeAside(QThreadPool* decoder, QByteArray json) {
+  constexpr qsizetype kSmall = 32'768;
+  using Result = std::shared_ptr<std::optional<ReadRows<T>>>;
+  if (json.size() < kSmall) co_return std::make_shared<std::optional<ReadRows<T>>>(decode<T>(json));
+  const auto promise = std::make_shared<QPromise<Result>>();
+  const QFuture<Result> future = promise->future();
+  promise->start();
+  decoder->start([promise, json = std::move(json)] {
+    promise->addResult(std::make_shared<std::optional<ReadRows<T>>>(decode<T>(json)));
+    promise->finish();
+  });
+  co_return co_await future;
+}
+
+/// Whether what a page brought is on disk.
+template <class T>
+QCoro::Task<bool> isKept(std::shared_ptr<Gathered<T>> gathered, Saving saving) {
+  const bool kept = co_await whenSaved(gathered->run, std::move(saving));
+  if (!kept && !gathered->token.isOver()) gathered->failure = notSaved();
+  co_return kept;
+}
+
+/// Takes the records of a page. What waits here is looked at as it stands at that moment, after the last await.
+template <class T>
+TakenPage takeReceived(const std::shared_ptr<Gathered<T>>& gathered, std::vector<ReceivedRow<T>> received,
+                       const std::unordered_set<Uuid>& unread) {
   SyncRun& run = *gathered->run;
-  if (!co_await whenSaved(gathered->run)) {
-    gathered->failure = notSaved();
-    co_return -1;
-  }
-  if (gathered->token.isOver()) co_return 0;
-  std::unordered_set<Uuid> unread;
-  auto received = receive<T>(run, rows, &unread);
-  if (!received) co_return -1;
-  if (const auto completed = co_await complete<T>(gathered->run, &*received); !completed) {
-    gathered->failure = completed.error();
-    co_return -1;
-  }
-  if (gathered->token.isOver()) co_return 0;
-  if (!co_await whenSaved(gathered->run)) {
-    gathered->failure = notSaved();
-    co_return -1;
-  }
-  std::unordered_map<Uuid, Unsent<T>> waiting;
-  for (Unsent<T>& record : run.model.unsent<T>()) {
-    const Uuid id = record.id;
-    waiting.emplace(id, std::move(record));
-  }
-  int fresh = 0;
-  for (const Uuid& id : unread) fresh += gathered->seen->insert(id).second ? 1 : 0;
+  TakenPage taken;
+  std::vector<Uuid> seenNow;
+  for (const Uuid& id : unread)
+    if (gathered->seen->insert(id).second) seenNow.push_back(id);
   std::vector<FromBackend<T>> changes;
+  changes.reserve(received.size());
   Edit notes;
-  for (auto& [id, row] : *received) {
+  for (ReceivedRow<T>& row : received) {
+    const Uuid id = row.row.id;
     if (!gathered->seen->insert(id).second) continue;
-    ++fresh;
-    const auto ours = waiting.find(id);
-    if (ours == waiting.end()) {
+    seenNow.push_back(id);
+    const auto ours = run.model.unsent<T>(id);
+    if (!ours) {
       const T* current = run.model.collection<T>().find(id);
       if (current && *current == row.record) continue;
-      changes.push_back({.id = id, .theirs = row.record, .merged = std::move(row.record)});
-    } else if (ours->second.current && ours->second.base != row.record) {
-      changes.push_back(settle(run, ours->second, row, notes));
+      changes.push_back({.id = id, .theirs = row.record, .merged = std::move(row.record), .form = std::move(row.form)});
+    } else if (ours->current && ours->base != row.record) {
+      changes.push_back(settle(run, *ours, row, notes));
     }
   }
+  taken.fresh = static_cast<int>(seenNow.size());
   if (!changes.empty()) {
-    if (!co_await whenSaved(gathered->run, run.model.takeFromBackend<T>(std::move(changes), std::move(notes)))) {
+    const Saving saving = run.model.takeFromBackend<T>(std::move(changes), std::move(notes));
+    if (saving.isFinished() && !saving.result().has_value()) {
+      for (const Uuid& id : seenNow) gathered->seen->erase(id);
       gathered->failure = notSaved();
-      co_return -1;
+      return {.fresh = -1};
     }
   }
-  co_return fresh;
+  // Its records may have come before, and be on their way to the disk from then.
+  taken.saved = [gathered, saving = run.model.everythingSaved()] { return isKept<T>(gathered, saving); };
+  return taken;
+}
+
+template <class T>
+QCoro::Task<TakenPage> takePage(std::shared_ptr<Gathered<T>> gathered,
+                                std::shared_ptr<std::optional<ReadRows<T>>> page) {
+  const TakenPage unreadable{.fresh = -1};
+  if (!*page) co_return unreadable;
+  const SyncRunPtr run = gathered->run;
+  if (!co_await whenEditsSaved(run)) {
+    gathered->failure = notSaved();
+    co_return unreadable;
+  }
+  if (gathered->token.isOver()) co_return {};
+  std::unordered_set<Uuid> unread;
+  std::vector<ReceivedRow<T>> received = receive<T>(*run, std::exchange(**page, {}), &unread);
+  if (const auto completed = co_await complete<T>(run, &received); !completed) {
+    gathered->failure = completed.error();
+    co_return unreadable;
+  }
+  if (gathered->token.isOver()) co_return {};
+  if (!co_await whenEditsSaved(run)) {
+    gathered->failure = notSaved();
+    co_return unreadable;
+  }
+  if (gathered->token.isOver()) co_return {};
+  co_return takeReceived<T>(gathered, std::move(received), unread);
+}
+
+template <class T>
+QCoro::Task<TakePage> readPage(std::shared_ptr<Gathered<T>> gathered, QByteArray json) {
+  // The run may be all that is left of the session.
+  if (gathered->token.isOver()) co_return [] { return ready(TakenPage{}); };
+  auto page = co_await decodeAside<T>(&gathered->run->decoder, std::move(json));
+  co_return [gathered, page = std::move(page)] { return takePage<T>(gathered, page); };
 }
 
 /// Records that a complete download did not show are gone, unless they were made here and never went up.
 template <class T>
-SBTask<void> removeAbsent(SyncRunPtr run, RunToken token, std::unordered_set<Uuid> seen) {
+SBTask<void> removeAbsent(SyncRunPtr run, RunToken token, std::shared_ptr<const UuidSet> seen) {
   if (token.isOver()) co_return {};
   if (!co_await whenSaved(run)) co_return std::unexpected(notSaved());
   if (token.isOver()) co_return {};
@@ -84,7 +131,7 @@ SBTask<void> removeAbsent(SyncRunPtr run, RunToken token, std::unordered_set<Uui
   std::vector<FromBackend<T>> gone;
   Edit notes;
   for (const T& record : run->model.collection<T>().records()) {
-    if (seen.contains(record.id)) continue;
+    if (seen->contains(record.id)) continue;
     const auto ours = waiting.find(record.id);
     if (ours != waiting.end()) {
       if (!ours->second.base) continue;
@@ -114,6 +161,12 @@ template <class T>
 void logDeletion(const SyncRun& run, const T& record) {
   if constexpr (std::is_same_v<T, Vessel>) run.log.say("🗑 deleted vessel " + record.name);
   if constexpr (std::is_same_v<T, VoyagePlan>) run.log.say("🗑 deleted voyage plan " + record.planName);
+}
+
+/// Under which name a download that is cut off is kept.
+template <class T>
+std::string placeOf(const Uuid& owner) {
+  return std::string(table<T>()) + ' ' + owner.toString();
 }
 
 /// Deletes one batch of records that were deleted here; gives those that somebody changed in between.
@@ -264,30 +317,42 @@ SBTask<bool> downloadRows(SyncRunPtr run, RunToken token) {
   // Not read, and so not known either: should the member be let in later, everything is fetched.
   if (!run->model.rights(RecordKind<T>::facts.permission).read) co_return false;
   const std::size_t before = run->model.collection<T>().size();
-  std::unordered_set<Uuid> seen;
+  std::shared_ptr<UuidSet> seen;  ///< of all owners
   bool isWhole = true;
   for (const Uuid& owner : ownersOf<T>(*run)) {
-    const std::string place = std::string(table<T>()) + ' ' + owner.toString();
+    const std::string place = placeOf<T>(owner);
     std::shared_ptr<PartialDownload>& kept = run->partial[place];
     if (!kept || kept->next == 0) kept = std::make_shared<PartialDownload>(PartialDownload{.version = run->version});
     const std::shared_ptr<PartialDownload> partial = kept;
     const bool goesOn = partial->next > 0;
     const auto gathered =
         std::make_shared<Gathered<T>>(Gathered<T>{.run = run, .token = token, .seen = partial->seen, .failure = {}});
-    const auto read = co_await readTable(
-        &run->client, rowsOf<T>(owner), RowKind<T>::facts.order,
-        [gathered](QByteArray rows) { return takePage<T>(gathered, std::move(rows)); }, token, "id.asc", partial);
+    const auto read =
+        co_await readTable({.client = &run->client,
+                            .query = rowsOf<T>(owner),
+                            .order = RowKind<T>::facts.order,
+                            .token = token,
+                            .partial = partial,
+                            .turns = run->turns,
+                            .expect = [run](std::size_t rows) { run->model.makeRoom<T>(rows); },
+                            .ahead = run->ahead},
+                           [gathered](QByteArray rows) { return readPage<T>(gathered, std::move(rows)); });
     if (token.isOver()) co_return false;
     if (gathered->failure) co_return std::unexpected(*gathered->failure);
     if (!read) co_return std::unexpected(read.error());
-    seen.insert(partial->seen->begin(), partial->seen->end());
+    if (seen) {
+      seen->insert(partial->seen->begin(), partial->seen->end());
+    } else {
+      seen = partial->seen;
+    }
     // Put together from several runs, it is whole only if nothing changed from the first to the last.
     const bool unchanged = !goesOn || (run->version && partial->version == run->version);
     isWhole = isWhole && read->complete && unchanged;
     run->partial.erase(place);
   }
+  if (!seen) seen = std::make_shared<UuidSet>();
   if constexpr (std::is_same_v<T, ISMCheckDefinition>) {
-    if (isWhole && seen.empty() && before > 0) {
+    if (isWhole && seen->empty() && before > 0) {
       const auto seeded = co_await seedEmptyServer<T>(run, token);
       if (!seeded) co_return std::unexpected(seeded.error());
       // What went up is read, and what did not is removed, by the next run.
@@ -309,21 +374,34 @@ SBTask<bool> downloadRows(SyncRunPtr run, RunToken token) {
       punches += period.punchList.size();
       entries += period.logEntries.size();
     }
-    line += std::to_string(seen.size()) + " periods, " + std::to_string(orders) + " work orders, " +
+    line += std::to_string(seen->size()) + " periods, " + std::to_string(orders) + " work orders, " +
             std::to_string(punches) + " punch list items, " + std::to_string(entries) + " log entries";
   } else if (line.ends_with("local=")) {
-    line += std::to_string(before) + " remote=" + std::to_string(seen.size());
+    line += std::to_string(before) + " remote=" + std::to_string(seen->size());
   } else {
-    line += std::to_string(seen.size());
+    line += std::to_string(seen->size());
   }
   run->log.say(line);
   co_return isWhole;
+}
+
+template <class T>
+void askAhead(SyncRun& run) {
+  using namespace step_detail;
+  if (!run.model.rights(RecordKind<T>::facts.permission).read) return;
+  for (const Uuid& owner : ownersOf<T>(run)) {
+    const auto partial = run.partial.find(placeOf<T>(owner));
+    if (partial != run.partial.end() && partial->second && partial->second->next > 0) continue;
+    if (run.ahead->isFull()) return;
+    run.ahead->ask(run.turns, &run.client, rowsOf<T>(owner), RowKind<T>::facts.order, run.token);
+  }
 }
 
 /// Makes the steps of one kind.
 #define THALVORN_INSTANTIATE_STEP(Type)                                        \
   template SBTask<void> uploadDeletions<Type>(SyncRunPtr run, RunToken token); \
   template SBTask<void> uploadChanges<Type>(SyncRunPtr run, RunToken token);   \
-  template SBTask<bool> downloadRows<Type>(SyncRunPtr run, RunToken token)
+  template SBTask<bool> downloadRows<Type>(SyncRunPtr run, RunToken token);    \
+  template void askAhead<Type>(SyncRun & run)
 
 }  // namespace thalvorn

@@ -14,6 +14,9 @@ inline constexpr int kNotSaved = 507;
 /// does not take it, which is tried again without end elsewhere, or when `token` is over.
 QCoro::Task<bool> whenSaved(AppViewModel* model, RunToken token);
 
+/// Waits in the same way until what was entered here is on disk; what was received before may still be on its way.
+QCoro::Task<bool> whenEditsSaved(AppViewModel* model, RunToken token);
+
 /// Waits for one saving in the same way.
 QCoro::Task<bool> whenSaved(AppViewModel* model, Saving saving, RunToken token);
 

@@ -9,33 +9,30 @@ namespace thalvorn {
 namespace {
 
 template <class P>
-struct Gathered {
-  std::vector<RowOf<P>> rows;
-};
-
-template <class P>
-QCoro::Task<int> gather(std::shared_ptr<Gathered<P>> gathered, QByteArray json) {
+TakenPage gather(std::vector<RowOf<P>>& all, const QByteArray& json) {
   auto rows =
       listFromJson<RowOf<P>>(std::string_view(json.data(), static_cast<std::size_t>(json.size())), JsonFields::full);
-  if (!rows) co_return -1;
-  int fresh = 0;
+  if (!rows) return {.fresh = -1};
+  TakenPage taken;
   for (RowOf<P>& row : rows->records) {
-    if (std::ranges::find(gathered->rows, row.id, &RowOf<P>::id) != gathered->rows.end()) continue;
-    gathered->rows.push_back(std::move(row));
-    ++fresh;
+    if (std::ranges::find(all, row.id, &RowOf<P>::id) != all.end()) continue;
+    all.push_back(std::move(row));
+    ++taken.fresh;
   }
-  co_return fresh;
+  return taken;
 }
 
 template <class P>
 SBTask<std::vector<RowOf<P>>> readPart(SyncRunPtr run, std::vector<Uuid> periods) {
-  const auto gathered = std::make_shared<Gathered<P>>();
-  const auto read = co_await readTable(
-      &run->client, TableQuery(RowKind<P>::facts.table).eq("account_id", run->accountID).in("yard_period_id", periods),
-      {}, [gathered](QByteArray rows) { return gather<P>(gathered, std::move(rows)); }, run->token);
+  const auto gathered = std::make_shared<std::vector<RowOf<P>>>();
+  TableQuery query(RowKind<P>::facts.table);
+  query.eq("account_id", run->accountID).in("yard_period_id", periods);
+  const auto read =
+      co_await readTable({.client = &run->client, .query = std::move(query), .token = run->token},
+                         readAtOnce([gathered](const QByteArray& json) { return gather<P>(*gathered, json); }));
   if (!read) co_return std::unexpected(read.error());
   if (!read->complete) co_return std::unexpected(changedMeanwhile());
-  co_return gathered->rows;
+  co_return std::move(*gathered);
 }
 
 template <class P>

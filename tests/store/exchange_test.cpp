@@ -99,6 +99,41 @@ TEST_F(Exchange, TakesWhatTheBackendHoldsWithoutMarkingOrUndoingIt) {
   EXPECT_TRUE(model->tasks().empty());
 }
 
+TEST_F(Exchange, TakesPageAfterPageWhileTheyAreSavedAndNothingBesideAnUnsavedEdit) {
+  int told = 0;
+  QObject::connect(model.get(), &AppViewModel::edited, model.get(),
+                   [&](const Edit& edit) { told += static_cast<int>(edit.changes.size()); });
+  constexpr int kRows = 300;
+  const auto page = [&](const std::string& title) {
+    std::vector<FromBackend<MaintenanceTask>> rows;
+    for (int i = 0; i < kRows; ++i) {
+      const MaintenanceTask task{.id = Uuid::random(), .vesselID = vessel, .title = title, .kind = TaskKind::warranty};
+      rows.push_back({.id = task.id, .theirs = task, .merged = task});
+    }
+    return model->takeFromBackend<MaintenanceTask>(std::move(rows));
+  };
+  const Saving first = page("First");
+  const Saving second = page("Second");
+  EXPECT_EQ(model->unsavedCount(), 2);
+  EXPECT_EQ(model->unsavedEdits(), 0);
+  EXPECT_EQ(told, 2 * kRows) << "every record, though not all in one edit";
+  MaintenanceTask mine = model->tasks()[0];
+  mine.title = "Mine";
+  const Saving edit = model->update(mine);
+  EXPECT_EQ(model->unsavedEdits(), 1);
+  EXPECT_FALSE(waitFor(page("Third"))) << "it is not known yet what waits";
+  ASSERT_TRUE(waitFor(model->everythingSaved()));
+  EXPECT_TRUE(first.isFinished() && second.isFinished() && edit.isFinished());
+  EXPECT_EQ(waiting().base->title, "First");
+  ASSERT_TRUE(model->unsent<MaintenanceTask>(mine.id));
+  EXPECT_EQ(model->unsent<MaintenanceTask>(mine.id)->current, mine);
+  EXPECT_FALSE(model->unsent<MaintenanceTask>(model->tasks()[1].id));
+  ASSERT_TRUE(waitFor(page("Third")));
+  const std::vector<MaintenanceTask> all(model->tasks().records().begin(), model->tasks().records().end());
+  open();
+  EXPECT_TRUE(std::ranges::equal(all, model->tasks().records()));
+}
+
 TEST_F(Exchange, AMergedRecordWaitsOnTopOfTheirsAndAnEqualOneNoLonger) {
   MaintenanceTask task = addTask("Oil");
   upload(task);

@@ -23,13 +23,12 @@ QCoro::Task<void> nextChange(AppViewModel* model) {
 constexpr int kCutAfter = 4;
 
 /// Takes a page; after `kCutAfter` the run is over.
-QCoro::Task<int> countFresh(QByteArray json, std::shared_ptr<std::unordered_set<Uuid>> seen, int* pages,
-                            RunToken* token) {
+TakenPage countFresh(const QByteArray& json, UuidSet& seen, int& pages, RunToken& token) {
   const auto rows = listFromJson<SBVesselRow>(json.toStdString(), JsonFields::full);
-  int fresh = 0;
-  for (const SBVesselRow& row : rows.value().records) fresh += seen->insert(row.id).second ? 1 : 0;
-  if (++*pages == kCutAfter) token->end();
-  co_return fresh;
+  TakenPage taken;
+  for (const SBVesselRow& row : rows.value().records) taken.fresh += seen.insert(row.id).second ? 1 : 0;
+  if (++pages == kCutAfter) token.end();
+  return taken;
 }
 
 TEST(SyncRuns, AreSkippedWithTheirReason) {
@@ -136,16 +135,17 @@ TEST(SyncRuns, GoOnWithALongTableWhereTheyWereCutOff) {
   const auto partial = std::make_shared<PartialDownload>();
   RunToken token;
   int pages = 0;
-  const auto take = [&](QByteArray rows) -> QCoro::Task<int> {
-    return countFresh(std::move(rows), partial->seen, &pages, &token);
+  const auto read = [&] {
+    return finished(readTable(
+        {.client = &first.cloud->client(), .query = vessels, .order = "name.asc", .token = token, .partial = partial},
+        readAtOnce([&](const QByteArray& rows) { return countFresh(rows, *partial->seen, pages, token); })));
   };
-  SupabaseClient* client = &first.cloud->client();
-  const auto cut = finished(readTable(client, vessels, "name.asc", take, token, "id.asc", partial));
+  const auto cut = read();
   ASSERT_TRUE(cut);
   EXPECT_FALSE(cut->complete);
   const int before = std::exchange(pages, 100);
   token = RunToken();
-  const auto whole = finished(readTable(client, vessels, "name.asc", take, token, "id.asc", partial));
+  const auto whole = read();
   ASSERT_TRUE(whole);
   EXPECT_TRUE(whole->complete);
   EXPECT_EQ(whole->rows, kVessels);
@@ -204,6 +204,68 @@ TEST(SyncRuns, GoOnPastATableWhoseRepliesAreLost) {
   EXPECT_EQ(finished(syncWhenFree(here.cloud.get())), SyncOutcome::incomplete);
   EXPECT_THAT(here.cloud->sync().problems(), ElementsAre(testing::Field(&SyncProblem::table, "maintenance_tasks")));
   EXPECT_EQ(here.cloud->log().lines().back().text, QStringLiteral("✅ Sync complete"));
+}
+
+TEST(SyncRuns, CountNoPageThatTheDiskDidNotTake) {
+  Computer first;
+  ASSERT_TRUE(first.signUp("captain"));
+  constexpr int kVessels = 40;
+  for (int i = 0; i < kVessels; ++i)
+    first.model->add(Vessel{.id = Uuid::random(), .name = "Tender " + std::to_string(i)});
+  ASSERT_EQ(first.sync(), SyncOutcome::complete) << first.problems();
+
+  Computer second;
+  std::optional<FullDisk> full;
+  int inserted = 0;
+  QObject::connect(&second.model->vessels().events(), &CollectionEvents::inserted, second.model.get(), [&] {
+    if (++inserted == 15) full.emplace(0);
+  });
+  ASSERT_TRUE(second.signIn(first.email, Computer::kPassword));
+  EXPECT_THAT(second.cloud->sync().problems(), Contains(testing::Field(&SyncProblem::table, "vessels")));
+  ASSERT_TRUE(full);
+  full.reset();
+  second.model->retrySaving();
+  while (second.model->unsavedCount() > 0) finished(nextChange(second.model.get()));
+  ASSERT_EQ(second.sync(), SyncOutcome::complete) << second.problems();
+  EXPECT_EQ(inserted, kVessels);
+  second.model->reloadNow(second.model->prefix());
+  EXPECT_EQ(second.model->vessels().size(), kVessels);
+}
+
+TEST(SyncRuns, ReadLongPagesAsideAndTakeThemInOrder) {
+  // Pages long enough to be read on a thread of their own, some of which change what is here already.
+  Computer first;
+  ASSERT_TRUE(first.signUp("captain"));
+  const Vessel vessel{.id = Uuid::random(), .name = "M/Y Meridian"};
+  first.model->add(vessel);
+  std::vector<MaintenanceTask> tasks;
+  for (int i = 0; i < 30; ++i)
+    tasks.push_back(
+        {.id = Uuid::random(), .vesselID = vessel.id, .notes = std::string(8'000, static_cast<char>('a' + i % 26))});
+  for (const MaintenanceTask& task : tasks) first.model->add(task);
+  ASSERT_EQ(first.sync(), SyncOutcome::complete) << first.problems();
+  Computer second;
+  ASSERT_TRUE(second.signIn(first.email, Computer::kPassword));
+  EXPECT_EQ(second.model->tasks().size(), tasks.size());
+
+  MaintenanceTask mine = *second.model->tasks().find(tasks[20].id);
+  mine.title = "Mine";
+  for (MaintenanceTask& task : tasks) {
+    task.priority = TaskPriority::high;
+    first.model->update(task);
+  }
+  ASSERT_EQ(first.sync(), SyncOutcome::complete) << first.problems();
+  auto run = second.cloud->sync().syncAll();
+  second.model->update(mine);
+  EXPECT_EQ(finished(std::move(run)), SyncOutcome::complete);
+  ASSERT_EQ(second.sync(), SyncOutcome::complete) << second.problems();
+  for (const MaintenanceTask& task : tasks) {
+    const MaintenanceTask* here = second.model->tasks().find(task.id);
+    ASSERT_TRUE(here);
+    EXPECT_EQ(here->notes, task.notes);
+    EXPECT_EQ(here->priority, TaskPriority::high);
+    EXPECT_EQ(here->title, task.id == mine.id ? "Mine" : "") << "entered here while the pages came";
+  }
 }
 
 TEST(SyncRuns, PassOverWhatCannotBeReadAndHoldBackNothingElse) {
