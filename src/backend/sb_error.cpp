@@ -98,7 +98,7 @@ QString textOf(Remedy remedy) {
     case Remedy::waitForClock:
       return QStringLiteral("The server's clocks disagree. Try again in a moment.");
     case Remedy::smallerBatch:
-      return QStringLiteral("The server could not take this much at once. It will be sent in smaller parts.");
+      return QStringLiteral("This was too much for the server at once. It is tried again; nothing is lost.");
     case Remedy::updateSchema:
       return QStringLiteral("The server is older than this program. What it does not know stays on this computer.");
     case Remedy::askPermission:
@@ -226,12 +226,13 @@ SBError SBError::fromReply(const HttpReply& reply) {
   // Object storage answers nearly every refusal with 400 and tells the status in the body.
   if (const int inner = body.value(QLatin1String("statusCode")).toVariant().toInt(); inner >= 400) error.status = inner;
   error.code = codeOf(body, reply);
+  error.body = QString::fromUtf8(reply.body);
   error.reason = firstText(body, {QLatin1String("msg"), QLatin1String("message"), QLatin1String("error_description"),
                                   QLatin1String("error")});
   if (const QString described = body.value(QLatin1String("error_description")).toString(); !described.isEmpty())
     error.message = described;
   else
-    error.message = reply.body.isEmpty() ? QStringLiteral("Unknown error") : QString::fromUtf8(reply.body);
+    error.message = error.body.isEmpty() ? QStringLiteral("Unknown error") : error.body;
   error.remedy = remedyOf(error, reply);
   error.text = userText(error);
   error.retryAfter = retryAfterOf(reply);

@@ -35,6 +35,7 @@ struct SBError {
   Case kind = Case::serverError;
   int status = 0;   ///< HTTP status, or the one that object storage gives in the body; 0 without a reply
   QString message;  ///< "error_description" of the reply, else its body, else "Unknown error"
+  QString body;     ///< of the reply, as it came
   QString code;     ///< e.g. "23503", "PGRST204", "invalid_credentials", "NoSuchKey"; empty when none was given
   QString reason;   ///< the reply's own words without its frame; for the log, never with row contents
   QString text;     ///< for the user: what happened and what to do

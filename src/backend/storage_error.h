@@ -17,7 +17,7 @@ struct StorageError {
   };
 
   Case kind = Case::uploadFailed;
-  int status = 0;  ///< HTTP status; 0 when no reply came
+  int status = 0;  ///< "statusCode" of the reply's body where there is one, else the HTTP status; 0 without a reply
   QString body;    ///< of the refused upload
   SBError cause;   ///< what helps, and the text for the user
 

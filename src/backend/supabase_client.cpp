@@ -51,9 +51,8 @@ void logAuthReply(const HttpReply& reply) {
 bool isRefusal(const SBError& error) {
   constexpr std::array codes{
       "refresh_token_not_found", "refresh_token_already_used", "session_not_found", "session_expired", "user_banned",
-      "user_not_found"};
-  if (error.kind != SBError::Case::serverError) return false;
-  return error.status == 400 ||
+      "user_not_found",          "validation_failed",          "invalid_grant"};
+  return error.kind == SBError::Case::serverError &&
          std::ranges::any_of(codes, [&](const char* code) { return error.code == QLatin1String(code); });
 }
 
@@ -159,6 +158,7 @@ SBTask<HttpReply> SupabaseClient::sendAuthorized(HttpRequest request, QString wh
 
 SBTask<SignedIn> SupabaseClient::enter(AuthResponse reply, StoredSession session) {
   const auto alive = alive_;
+  const int generation = generation_;
   session.accessToken = reply.anyAccessToken().toStdString();
   session.refreshToken = reply.anyRefreshToken().toStdString();
   session.expiresAt = reply.expiresIn   ? std::optional(serverNow() + std::chrono::seconds(*reply.expiresIn))
@@ -173,6 +173,8 @@ SBTask<SignedIn> SupabaseClient::enter(AuthResponse reply, StoredSession session
   // The new pair is on disk before anything uses it: the old refresh token is spent.
   const bool kept = co_await tokens_.keep(std::move(session));
   if (!*alive) co_return std::unexpected(givenUp());
+  // Signed out meanwhile: that has been put on disk after this, and nothing is to be refreshed.
+  if (generation != generation_) co_return std::unexpected(SBError::notAuthenticated());
   if (!kept) qCWarning(backendLog).noquote() << QStringLiteral("⚠️ The session could not be put on disk");
   startRefreshTimer();
   Q_EMIT sessionChanged();
@@ -266,6 +268,7 @@ SBTask<void> SupabaseClient::setUser(QJsonObject change) {
     qCWarning(backendLog).noquote() << QStringLiteral("❌ setCredentials: no access token");
     co_return std::unexpected(SBError::notAuthenticated());
   }
+  const int generation = generation_;
   HttpRequest request = authRequest("PUT", "/user", change);
   auto reply = co_await sendAuthorized(std::move(request), QStringLiteral("setCredentials"));
   if (!*alive) co_return std::unexpected(givenUp());
@@ -274,12 +277,13 @@ SBTask<void> SupabaseClient::setUser(QJsonObject change) {
     if (error.kind == SBError::Case::serverError)
       qCWarning(backendLog).noquote() << QStringLiteral("❌ setCredentials failed (%1): %2")
                                              .arg(error.status)
-                                             .arg(error.message == u"Unknown error" ? QStringLiteral("(no body)")
-                                                                                    : error.message.left(300));
+                                             .arg(error.body.isEmpty() ? QStringLiteral("(no body)") : error.body);
     else
       qCWarning(backendLog).noquote() << QStringLiteral("❌ setCredentials failed: ") + error.reason;
     co_return std::unexpected(error);
   }
+  // Signed out or in as another meanwhile: this is not that session's.
+  if (generation != generation_) co_return done();
   // An address that still waits for confirmation is not the current one; the reply's is.
   const auto parsed = AuthResponse::parse(reply->body);
   const auto user = parsed ? parsed->anyUser() : std::nullopt;

@@ -102,7 +102,7 @@ class SupabaseClient : public QObject {
   /// Inserts rows, merging those whose primary key (or `onConflict`) exists. `rows` is a JSON list whose objects have
   /// the same keys and no identity twice; an empty one sends nothing.
   SBTask<void> upsert(TableQuery target, QByteArray rows, int attempts = 3);
-  /// The same with a table whose key is not `id`, e.g. "user_profiles" by "user_id".
+  /// One row, as a JSON object, of a table whose key is not `id`, e.g. "user_settings" by "user_id".
   SBTask<void> upsertOne(TableQuery target, QByteArray row, int attempts = 3);
   /// Inserts and gives the rows as stored.
   SBTask<TableReply> insert(TableQuery target, QByteArray rows, int attempts = 3);

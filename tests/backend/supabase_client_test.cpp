@@ -157,10 +157,13 @@ TEST(SupabaseClientTest, ChangesCredentialsOnlyWhenSignedIn) {
 
   backend.tokens.stored = Backend::signedIn();
   backend.server.script({{422, "", {}},
+                         {422, R"({"error":"x","error_description":"Too weak"})", {}},
                          {200, R"({"id":"1","email":"mate@example.com","new_email":"n@b.c"})", {}},
                          {200, R"({"id":"1","email":"N@b.c"})", {}}});
   EXPECT_FALSE(QCoro::waitFor(backend.client->setCredentials(QStringLiteral("n@b.c"), QStringLiteral("p"))));
   EXPECT_THAT(log.text(), HasSubstr("❌ setCredentials failed (422): (no body)"));
+  EXPECT_FALSE(QCoro::waitFor(backend.client->setCredentials(QStringLiteral("n@b.c"), QStringLiteral("p"))));
+  EXPECT_THAT(log.text(), HasSubstr(R"(❌ setCredentials failed (422): {"error":"x","error_description":"Too weak"})"));
   EXPECT_EQ(backend.server.last().method, "PUT");
   EXPECT_EQ(backend.server.last().target, "/auth/v1/user");
   EXPECT_TRUE(QCoro::waitFor(backend.client->setCredentials(QStringLiteral("n@b.c"), QStringLiteral("p"))));
@@ -284,6 +287,9 @@ TEST(TokenRefreshTest, OnlyARefusedTokenEndsTheSession) {
       {"refused, old form",
        {400, R"({"error":"invalid_grant","error_description":"Invalid Refresh Token"})", {}},
        true},
+      {"too short", {400, R"({"error_code":"validation_failed","msg":"Refresh token is not valid"})", {}}, true},
+      {"request not understood", {400, R"({"error_code":"bad_json","msg":"Could not parse request body"})", {}}, false},
+      {"somebody else's 400", {400, "<html>Bad Request</html>", {}}, false},
       {"used before", {400, R"({"error_code":"refresh_token_already_used"})", {}}, true},
       {"rate limit", {429, R"({"error_code":"over_request_rate_limit"})", {{"Retry-After", "120"}}}, false},
       {"race", {409, R"({"msg":"Too many concurrent token refresh requests"})", {}}, false},
@@ -323,6 +329,18 @@ TEST(TokenRefreshTest, ASignOutMeanwhileIsFinal) {
   auto leaving = backend.client->signOut();
   EXPECT_FALSE(QCoro::waitFor(refresh));
   QCoro::waitFor(leaving);
+  EXPECT_EQ(backend.tokens.stored, StoredSession{});
+}
+
+TEST(TokenRefreshTest, ASignOutWhileTheNewSessionIsPutOnDiskLeavesNothingRunning) {
+  Backend backend(Backend::signedIn());
+  backend.server.otherwise = [](const FakeRequest& request) -> FakeReply {
+    return request.target.contains("logout") ? FakeReply{204, "", {}} : FakeReply{200, tokenReply("new"), {}};
+  };
+  backend.tokens.onKeep = [&] { backend.client->signOut(); };
+  const auto signedIn = QCoro::waitFor(backend.client->signIn(QStringLiteral("a@b.c"), QStringLiteral("p")));
+  EXPECT_FALSE(signedIn);
+  EXPECT_FALSE(backend.client->isRefreshTimerRunning());
   EXPECT_EQ(backend.tokens.stored, StoredSession{});
 }
 
@@ -374,6 +392,8 @@ TEST(SupabaseTablesTest, AskAsTheServerReads) {
   backend.server.script({{206, "[]", {{"Content-Range", "0-999/1523"}}},
                          {416, R"({"code":"PGRST103"})", {{"Content-Range", "*/15"}}},
                          {201, "", {}},
+                         {201, "", {}},
+                         {201, R"([{"id":"1"}])", {}},
                          {204, "", {{"Content-Range", "*/2"}}},
                          {204, "", {}},
                          {200, R"("done")", {}},
@@ -399,6 +419,13 @@ TEST(SupabaseTablesTest, AskAsTheServerReads) {
   EXPECT_TRUE(QCoro::waitFor(backend.client->upsert(TableQuery("vessels"), R"([{"id":"1"}])")));
   EXPECT_EQ(backend.server.last().headers["prefer"], "resolution=merge-duplicates,return=minimal");
   EXPECT_EQ(backend.server.last().headers["authorization"], "Bearer old-access");
+  EXPECT_TRUE(QCoro::waitFor(
+      backend.client->upsertOne(TableQuery("user_profiles").onConflict("user_id"), R"({"user_id":"1"})")));
+  EXPECT_EQ(backend.server.last().target, "/rest/v1/user_profiles?on_conflict=user_id");
+  EXPECT_EQ(backend.server.last().headers["prefer"], "return=minimal,resolution=merge-duplicates");
+  EXPECT_EQ(QCoro::waitFor(backend.client->insert(TableQuery("accounts"), R"([{"name":"M"}])"))->rows,
+            R"([{"id":"1"}])");
+  EXPECT_EQ(backend.server.last().headers["prefer"], "return=representation");
   EXPECT_EQ(QCoro::waitFor(backend.client->update(TableQuery("vessels").eq("id", account), "{}")), 2);
   EXPECT_TRUE(QCoro::waitFor(backend.client->remove(TableQuery("vessels").in("id", {account, account}))));
   EXPECT_EQ(backend.server.last().target,

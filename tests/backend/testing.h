@@ -32,6 +32,7 @@ class MemoryTokens : public TokenStore {
   QCoro::Task<bool> keep(StoredSession session) override {
     stored = std::move(session);
     ++kept;
+    if (const auto meanwhile = std::exchange(onKeep, nullptr)) meanwhile();
     co_return true;
   }
   QString lockFile() const override { return lock; }
@@ -39,6 +40,7 @@ class MemoryTokens : public TokenStore {
   StoredSession stored;
   QString lock;
   int kept = 0;
+  std::function<void()> onKeep;  ///< what happens while the next session is put on disk
 };
 
 /// A client, the server that it talks to, and everything else that it is given.
