@@ -18,11 +18,17 @@ const QString kNetwork = u"org.freedesktop.NetworkManager"_s;
 const QString kNetworkPath = u"/org/freedesktop/NetworkManager"_s;
 const QString kProperties = u"org.freedesktop.DBus.Properties"_s;
 
+const QString kLogin = u"org.freedesktop.login1"_s;
+const QString kLoginPath = u"/org/freedesktop/login1"_s;
+const QString kLoginManager = u"org.freedesktop.login1.Manager"_s;
+
 const QString kAppearance = u"org.freedesktop.appearance"_s;
 const QString kColorScheme = u"color-scheme"_s;
 const QString kInterface = u"org.gnome.desktop.interface"_s;
 const QString kAnimations = u"enable-animations"_s;
 const QString kMetered = u"Metered"_s;
+const QString kState = u"State"_s;
+constexpr uint kConnected = 60;  ///< NetworkManager: a network beyond the link; 70 with the internet; 0 unknown
 
 /// The portal's Read wraps its answer twice.
 QVariant unwrapped(QVariant value) {
@@ -43,7 +49,8 @@ DesktopSettings::DesktopSettings(const QDBusConnection& session, const QDBusConn
   if (system_.isConnected()) {
     system_.connect(kNetwork, kNetworkPath, kProperties, u"PropertiesChanged"_s, this,
                     SLOT(onNetworkChanged(QString, QVariantMap, QStringList)));
-    readMetered();
+    for (const QString& property : {kMetered, kState}) readNetwork(property);
+    system_.connect(kLogin, kLoginPath, kLoginManager, u"PrepareForSleep"_s, this, SLOT(onPrepareForSleep(bool)));
   }
 }
 
@@ -54,10 +61,11 @@ void DesktopSettings::readSetting(const QString& group, const QString& key) {
           });
 }
 
-void DesktopSettings::readMetered() {
-  callBus(system_, {kNetwork, kNetworkPath, kProperties, u"Get"_s}, {kNetwork, kMetered}, this,
-          [this](const QDBusMessage& reply) {
-            if (reply.type() == QDBusMessage::ReplyMessage) takeMetered(unwrapped(reply.arguments().value(0)));
+void DesktopSettings::readNetwork(const QString& property) {
+  callBus(system_, {kNetwork, kNetworkPath, kProperties, u"Get"_s}, {kNetwork, property}, this,
+          [this, property](const QDBusMessage& reply) {
+            if (reply.type() == QDBusMessage::ReplyMessage)
+              takeNetwork(property, unwrapped(reply.arguments().value(0)));
           });
 }
 
@@ -66,7 +74,13 @@ void DesktopSettings::onSettingChanged(const QString& group, const QString& key,
 }
 
 void DesktopSettings::onNetworkChanged(const QString& interface, const QVariantMap& changed, const QStringList&) {
-  if (interface == kNetwork && changed.contains(kMetered)) takeMetered(changed.value(kMetered));
+  if (interface != kNetwork) return;
+  for (const QString& property : {kMetered, kState})
+    if (changed.contains(property)) takeNetwork(property, changed.value(property));
+}
+
+void DesktopSettings::onPrepareForSleep(bool goesToSleep) {
+  if (!goesToSleep) Q_EMIT networkReturned();
 }
 
 void DesktopSettings::take(const QString& group, const QString& key, const QVariant& value) {
@@ -80,6 +94,15 @@ void DesktopSettings::take(const QString& group, const QString& key, const QVari
     const bool reduced = !value.toBool();
     if (std::exchange(reducedMotion_, reduced) != reduced) Q_EMIT reducedMotionChanged();
   }
+}
+
+void DesktopSettings::takeNetwork(const QString& property, const QVariant& value) {
+  property == kMetered ? takeMetered(value) : takeState(value);
+}
+
+void DesktopSettings::takeState(const QVariant& value) {
+  const uint before = std::exchange(networkState_, value.toUInt());
+  if (before > 0 && before < kConnected && networkState_ >= kConnected) Q_EMIT networkReturned();
 }
 
 void DesktopSettings::takeMetered(const QVariant& value) {

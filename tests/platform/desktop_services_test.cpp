@@ -226,5 +226,24 @@ TEST_F(DesktopServicesTest, SettingsAreReadAndFollowed) {
   EXPECT_EQ(alone.colorScheme(), Scheme::noPreference);
 }
 
+TEST_F(DesktopServicesTest, TheNetworksReturnAndWakingUpAreTold) {
+  test::FakeNetworkManager network(bus_.connect());
+  test::FakeLoginManager login(bus_.connect());
+  const DesktopSettings settings(bus_.connect(), bus_.connect());
+  QSignalSpy returned(&settings, &DesktopSettings::networkReturned);
+  ASSERT_TRUE(eventually([&] { return settings.metered() == DesktopSettings::Metered::yes; }));
+  network.changeState(20);  // disconnected
+  network.changeState(40);  // connecting
+  network.changeState(70);
+  ASSERT_TRUE(eventually([&] { return returned.size() == 1; }));
+  network.changeState(60);  // the internet is gone, the network is not
+  network.changeState(70);
+  login.prepareForSleep(true);
+  login.prepareForSleep(false);
+  ASSERT_TRUE(eventually([&] { return returned.size() == 2; }));
+  login.prepareForSleep(false);
+  EXPECT_TRUE(eventually([&] { return returned.size() == 3; })) << "and none in between";
+}
+
 }  // namespace
 }  // namespace thalvorn

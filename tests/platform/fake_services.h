@@ -107,6 +107,7 @@ class FakeNetworkManager : public QObject {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.NetworkManager")
   Q_PROPERTY(uint Metered MEMBER metered_)
+  Q_PROPERTY(uint State MEMBER state_)
 
  public:
   explicit FakeNetworkManager(QDBusConnection bus) : bus_(std::move(bus)) {
@@ -114,19 +115,40 @@ class FakeNetworkManager : public QObject {
     bus_.registerService(QStringLiteral("org.freedesktop.NetworkManager"));
   }
 
-  void change(uint metered) {
+  void change(uint metered) { tell(QStringLiteral("Metered"), metered); }
+  void changeState(uint state) { tell(QStringLiteral("State"), state); }
+
+ private:
+  void tell(const QString& property, uint value) {
     QDBusMessage signal = QDBusMessage::createSignal(kPath, QStringLiteral("org.freedesktop.DBus.Properties"),
                                                      QStringLiteral("PropertiesChanged"));
-    signal << QStringLiteral("org.freedesktop.NetworkManager")
-           << QVariantMap{{QStringLiteral("Metered"), QVariant::fromValue(metered)}} << QStringList();
+    signal << QStringLiteral("org.freedesktop.NetworkManager") << QVariantMap{{property, QVariant::fromValue(value)}}
+           << QStringList();
     bus_.send(signal);
   }
 
- private:
   static inline const QString kPath = QStringLiteral("/org/freedesktop/NetworkManager");
 
   QDBusConnection bus_;
   uint metered_ = 3;
+  uint state_ = 70;
+};
+
+/// The login manager, as far as it tells of sleep.
+class FakeLoginManager {
+ public:
+  explicit FakeLoginManager(QDBusConnection bus) : bus_(std::move(bus)) {
+    bus_.registerService(QStringLiteral("org.freedesktop.login1"));
+  }
+  void prepareForSleep(bool goesToSleep) {
+    QDBusMessage signal =
+        QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/login1"),
+                                   QStringLiteral("org.freedesktop.login1.Manager"), QStringLiteral("PrepareForSleep"));
+    bus_.send(signal << goesToSleep);
+  }
+
+ private:
+  QDBusConnection bus_;
 };
 
 }  // namespace thalvorn::test
