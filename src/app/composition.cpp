@@ -228,6 +228,7 @@ void Composition::followDesktop() {
   if (!cloud_) return;
   connect(desktop_.get(), &DesktopSettings::meteredChanged, this,
           [this] { cloud_->sync().metered().setDesktopSays(desktop_->metered() == DesktopSettings::Metered::yes); });
+  connect(desktop_.get(), &DesktopSettings::networkReturned, cloud_.get(), &CloudSession::networkReturned);
 }
 
 bool Composition::show() {

@@ -1,4 +1,4 @@
-// sign-in, sign-out, sync, account, invite, conflicts, status: the fleet shared through the fleet server.
+// sign-in, sign-out, sync, account, open-account, invite, conflicts, status: the fleet shared through the fleet server.
 
 #include <fmt/format.h>
 
@@ -16,6 +16,7 @@
 #include "sync/cloud_session.h"
 #include "sync/conflicts.h"
 #include "sync/file_words.h"
+#include "sync/settings_step.h"
 
 namespace thalvorn::cli {
 namespace {
@@ -48,6 +49,16 @@ std::string problemLine(const SyncProblem& problem) {
                      printable(problem.text));
 }
 
+/// Why no run was started, and what to do.
+std::string whySkipped(const CommandContext& context) {
+  const AppViewModel& store = *context.store;
+  if (context.cloud->needsSignIn()) return "Nobody is signed in. Use: thalvorn-cli sign-in EMAIL";
+  if (store.staysOnThisComputer() || store.prefix() != context.cloud->userID().toStdString())
+    return "The fleet that is open stays on this computer; there is nothing to exchange.";
+  if (store.accountID().empty()) return context.cloud->sync().whyNoAccount().toStdString();
+  return "Another exchange is under way. Run sync again in a moment.";
+}
+
 CommandResult afterSync(const CommandContext& context, SyncOutcome outcome) {
   const SyncManager& sync = context.cloud->sync();
   CommandResult result;
@@ -61,7 +72,7 @@ CommandResult afterSync(const CommandContext& context, SyncOutcome outcome) {
                              .take());
     result.out = JsonObject()
                      .flag("complete", outcome == SyncOutcome::complete)
-                     .count("waiting", static_cast<std::size_t>(context.store->dirtyCount()))
+                     .count("waiting", static_cast<std::size_t>(context.cloud->unsentCount()))
                      .json("problems", jsonList(problems))
                      .take() +
                  "\n";
@@ -73,8 +84,9 @@ CommandResult afterSync(const CommandContext& context, SyncOutcome outcome) {
   if (sync.isOffline()) {
     result.err = "The fleet server cannot be reached. What was changed here waits.\n";
   } else if (outcome == SyncOutcome::skipped) {
-    result.err = context.cloud->log().lines().empty() ? "Nothing was exchanged.\n"
-                                                      : context.cloud->log().lines().back().text.toStdString() + "\n";
+    result.err = whySkipped(context) + "\n";
+  } else if (sync.problems().empty()) {
+    result.err = "The run was cut short. Run sync again.\n";
   } else {
     for (const SyncProblem& problem : sync.problems()) result.err += problemLine(problem);
   }
@@ -120,8 +132,7 @@ QCoro::Task<CommandResult> signIn(CommandContext context, Arguments arguments) {
 QCoro::Task<CommandResult> signOut(CommandContext context, Arguments arguments) {
   if (!context.cloud) co_return refused(context.cloudProblem);
   if (context.cloud->userID().isEmpty()) co_return done("Nobody was signed in.\n");
-  const FileSync& files = context.cloud->files();
-  const int waiting = context.store->dirtyCount() + files.waitingCount() + files.failedCount();
+  const int waiting = context.cloud->unsentCount();
   if (waiting > 0 && !arguments.has("--force"))
     co_return refused(
         fmt::format("{} not sent yet. Run sync first, or sign out with --force; they stay in this "
@@ -144,6 +155,7 @@ QCoro::Task<CommandResult> syncFleet(CommandContext context, Arguments arguments
   QObject::connect(&desktop, &DesktopSettings::meteredChanged, &desktop, [&sync, &desktop] {
     sync.metered().setDesktopSays(desktop.metered() == DesktopSettings::Metered::yes);
   });
+  QObject::connect(&desktop, &DesktopSettings::networkReturned, context.cloud, &CloudSession::networkReturned);
   SyncOutcome outcome = co_await syncNow(context.cloud);
   for (;;) {
     const CommandResult result = afterSync(context, outcome);
@@ -162,12 +174,19 @@ QCoro::Task<CommandResult> showAccount(CommandContext context, Arguments) {
   if (!context.cloud) co_return refused(context.cloudProblem);
   const AppViewModel& store = *context.store;
   if (context.cloud->userID().isEmpty()) co_return refused("Nobody is signed in. Use: thalvorn-cli sign-in EMAIL");
+  const std::vector<OwnAccount>& accounts = context.cloud->account().accounts();
   if (context.json) {
     std::vector<std::string> members;
+    std::vector<std::string> own;
+    for (const OwnAccount& account : accounts)
+      own.push_back(
+          JsonObject().text("id", account.id).text("name", account.name).flag("owner", account.isOwner).take());
     for (const AccountMember& member : store.accountMembers().records()) members.push_back(toJson(member));
     co_return done(JsonObject()
                        .text("user", context.cloud->userEmail().toStdString())
                        .text("accountID", store.accountID())
+                       .text("refusal", store.accessRefusal())
+                       .json("accounts", jsonList(own))
                        .text("plan", context.cloud->account().facts().plan)
                        .count("seats", static_cast<std::size_t>(context.cloud->account().facts().seats()))
                        .json("members", jsonList(members))
@@ -177,8 +196,29 @@ QCoro::Task<CommandResult> showAccount(CommandContext context, Arguments) {
   TextTable table;
   for (const AccountMember& member : store.accountMembers().records())
     table.row({member.name, member.invitedEmail.value_or(""), roleText(member), stateOf(member)});
-  co_return done(fmt::format("{}\n{}\n{}", printable(context.cloud->userEmail().toStdString()),
-                             context.cloud->seatsText().toStdString(), table.take()));
+  std::string out = printable(context.cloud->userEmail().toStdString()) + "\n";
+  if (!store.accessRefusal().empty()) out += printable(store.accessRefusal()) + "\n";
+  if (const QString seats = context.cloud->seatsText(); !seats.isEmpty()) out += seats.toStdString() + "\n";
+  out += table.take();
+  if (accounts.size() > 1) {
+    TextTable others;
+    for (const OwnAccount& account : accounts)
+      others.row(
+          {account.id, account.name, account.isOwner ? "your own" : "", account.id == store.accountID() ? "open" : ""});
+    out += "\nYour accounts:\n" + others.take();
+  }
+  co_return done(std::move(out));
+}
+
+QCoro::Task<CommandResult> openAccount(CommandContext context, Arguments arguments) {
+  if (auto problem = unlessSignedIn(context)) co_return *problem;
+  const auto& accounts = context.cloud->account().accounts();
+  const auto chosen = std::ranges::find(accounts, arguments.operands.front(), &OwnAccount::id);
+  if (chosen == accounts.end())
+    co_return refused("You are not a member of an account with this identifier. “account” lists yours.");
+  const auto opened = co_await context.cloud->openAccount(chosen->id);
+  if (!opened) co_return refused(opened.error().toStdString());
+  co_return afterSync(context, co_await syncNow(context.cloud));
 }
 
 QCoro::Task<CommandResult> inviteMember(CommandContext context, Arguments arguments) {
@@ -233,6 +273,7 @@ QCoro::Task<CommandResult> showStatus(CommandContext context, Arguments) {
     if (const int count = store.dirtyCount(RecordKind<T>::facts.suffix); count > 0)
       waiting.emplace_back(RecordKind<T>::facts.table, count);
   });
+  if (const int count = settingsWaiting(store); count > 0) waiting.emplace_back("user_settings", count);
   std::vector<FileTransfer> files;
   if (context.cloud) files = context.cloud->files().transfers();
   const auto failed = static_cast<std::size_t>(std::ranges::count(files, true, &FileTransfer::isParked));
@@ -243,6 +284,7 @@ QCoro::Task<CommandResult> showStatus(CommandContext context, Arguments) {
                        .text("user", user)
                        .flag("expired", expired)
                        .text("accountID", store.accountID())
+                       .text("refusal", store.accessRefusal())
                        .json("waiting", tables.take())
                        .count("filesWaiting", files.size() - failed)
                        .count("filesFailed", failed)
@@ -258,9 +300,11 @@ QCoro::Task<CommandResult> showStatus(CommandContext context, Arguments) {
   } else if (user.empty()) {
     out = context.cloud ? "Nobody is signed in.\n" : context.cloudProblem + "\n";
   } else {
+    const std::string account = !store.accessRefusal().empty() ? printable(store.accessRefusal())
+                                : store.accountID().empty()    ? "not determined yet; sync asks for it"
+                                                               : store.accountID();
     out = fmt::format("Signed in as {}{}.\nAccount: {}\nLast sync: {}\n", printable(user),
-                      expired ? ", but the session has expired: sign in again" : "",
-                      store.accountID().empty() ? "not determined yet" : store.accountID(), when(context, last));
+                      expired ? ", but the session has expired: sign in again" : "", account, when(context, last));
   }
   if (waiting.empty() && files.empty()) out += "Nothing waits to be sent.\n";
   for (const auto& [table, count] : waiting) out += fmt::format("{} waiting in {}\n", count, table);

@@ -31,6 +31,7 @@ QCoro::Task<CommandResult> signIn(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> signOut(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> syncFleet(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> showAccount(CommandContext context, Arguments arguments);
+QCoro::Task<CommandResult> openAccount(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> inviteMember(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> showConflicts(CommandContext context, Arguments arguments);
 QCoro::Task<CommandResult> showStatus(CommandContext context, Arguments arguments);

@@ -7,6 +7,8 @@
 #include "store/legacy_migration.h"
 #include "store/list_loader.h"
 #include "store/logging.h"
+#include "store/preferences.h"
+#include "store/user_preferences.h"
 
 namespace thalvorn {
 namespace {
@@ -94,11 +96,13 @@ AppViewModel::~AppViewModel() {
   }
 }
 
-std::string AppViewModel::displayName() const { return cache_.preference("user_display_name").value_or(std::string()); }
+std::string AppViewModel::displayName() const {
+  return UserPreferences(cache_, prefix_).value(preference_keys::userDisplayName).value_or(std::string());
+}
 
 void AppViewModel::setDisplayName(std::string name) {
   if (name == displayName()) return;
-  cache_.setPreference("user_display_name", std::move(name));
+  UserPreferences(cache_, prefix_).change(preference_keys::userDisplayName, std::move(name), now());
   Q_EMIT displayNameChanged();
 }
 
@@ -179,6 +183,7 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
   loadProblem_ = std::move(loaded.problem);
   if (!loadProblem_.empty()) qCWarning(storeLog, "❌ load failed: %s", loadProblem_.c_str());
 
+  UserPreferences(cache_, prefix).adoptShared(localPrefix);
   const auto stored = cache_.preference(selectedVesselKey(prefix));
   selectedVessel_ = stored ? Uuid::parse(*stored) : std::nullopt;
   if (!selectedVessel()) {
@@ -190,6 +195,7 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
 
   isReloading_ = false;
   Q_EMIT prefixChanged();
+  Q_EMIT displayNameChanged();
   Q_EMIT selectedVesselIDChanged();
   Q_EMIT isReloadingChanged();
   Q_EMIT undoableChanged();
@@ -199,11 +205,15 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
 
 void AppViewModel::restoreAccount() {
   std::optional<AccountMember> own;
+  accessRefusal_.clear();
   if (!prefix_.empty() && !staysOnThisComputer()) {
     setAccountID(cache_.preference(accountKey(prefix_)).value_or(std::string()));
-    for (const AccountMember& member : accountMembers().records())
-      if (member.userId && member.userId->toString() == prefix_ && member.accountId.toString() == accountId_)
-        own = member;
+    accessRefusal_ = cache_.preference(accessRefusalKey(prefix_)).value_or(std::string());
+    for (const AccountMember& member : accountMembers().records()) {
+      if (!member.userId || member.userId->toString() != prefix_) continue;
+      if (member.accountId.toString() == accountId_ || !accessRefusal_.empty()) own = member;
+    }
+    if (own && !accessRefusal_.empty()) own->isActive = false;
   } else {
     setAccountID({});
   }
@@ -256,6 +266,7 @@ void AppViewModel::setSelectedVesselID(std::optional<Uuid> id) {
   if (id == selectedVessel_) return;
   selectedVessel_ = id;
   cache_.setPreference(selectedVesselKey(prefix_), id ? std::optional(id->toString()) : std::nullopt);
+  UserPreferences(cache_, prefix_).noteChange(preference_keys::selectedVesselID, now());
   Q_EMIT selectedVesselIDChanged();
 }
 

@@ -221,11 +221,17 @@ class AppViewModel : public QObject {
   void setAccountID(std::string id);
   /// The preference that keeps the account of a user between starts.
   static std::string accountKey(const std::string& userID) { return userID + "_accountID"; }
+  /// The preference that keeps why a user has lost his access.
+  static std::string accessRefusalKey(const std::string& userID) { return userID + "_accessRefusal"; }
 
   /// The user's place in the account, which decides what he may see and change. While it is unknown nothing is held
   /// back here; the server decides what it takes.
   void setMembership(std::optional<AccountMember> member);
   const std::optional<AccountMember>& membership() const { return membership_; }
+  /// The server lets the user no longer in, for the reason given in its words; empty: he has access as far as is known.
+  /// What is here stays readable as far as his role went and keeps waiting, but cannot be changed. Kept between starts.
+  void setAccessRefusal(std::string reason);
+  const std::string& accessRefusal() const { return accessRefusal_; }
   /// The rights in a module, or in what belongs to every member. In the fleets of this computer everything is allowed.
   ModuleRights rights(std::optional<AppTabPermissionKey> module) const;
 
@@ -322,6 +328,7 @@ class AppViewModel : public QObject {
   bool isReloading_ = false;
   bool isAuthenticated_ = false;
   std::optional<AccountMember> membership_;
+  std::string accessRefusal_;
   int vesselPhotoCacheVersion_ = 0;
   std::optional<Uuid> selectedVessel_;
   FilterOption selectedFilter_ = FilterOption::all;

@@ -78,14 +78,29 @@ void AppViewModel::setMembership(std::optional<AccountMember> member) {
   Q_EMIT membershipChanged();
 }
 
+void AppViewModel::setAccessRefusal(std::string reason) {
+  if (reason == accessRefusal_) return;
+  accessRefusal_ = std::move(reason);
+  cache_.setPreference(accessRefusalKey(prefix_),
+                       accessRefusal_.empty() ? std::nullopt : std::optional(accessRefusal_));
+  Q_EMIT membershipChanged();
+}
+
 ModuleRights AppViewModel::rights(std::optional<AppTabPermissionKey> module) const {
   if (prefix_.empty() || staysOnThisComputer()) return {.read = true, .write = true};
-  if (!membership_) return {.read = true, .write = true};
-  return module ? rightsOf(*membership_, *module) : commonRightsOf(*membership_);
+  if (!membership_) return {.read = true, .write = accessRefusal_.empty()};
+  const auto of = [&](const AccountMember& member) {
+    return module ? rightsOf(member, *module) : commonRightsOf(member);
+  };
+  if (accessRefusal_.empty()) return of(*membership_);
+  AccountMember before = *membership_;
+  before.isActive = true;
+  return {.read = of(before).read, .write = false};
 }
 
 std::string AppViewModel::refusalOf(const Edit& edit) const {
   if (staysOnThisComputer()) return {};
+  if (!accessRefusal_.empty()) return accessRefusal_ + " Nothing was changed.";
   for (const RecordChange& change : edit.changes) {
     const KindFacts& kind =
         std::visit([]<class T>(const T&) -> const KindFacts& { return RecordKind<T>::facts; }, change.either());

@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
+#include <tuple>
 
 #include "backend/row_kind.h"
 #include "sync/table_reader.h"
@@ -15,6 +16,8 @@ namespace {
 
 constexpr std::string_view kPlan = "_plan";
 constexpr std::string_view kAdditionalSeats = "_additional_seats";
+constexpr std::string_view kAccounts = "_accounts";
+constexpr int kForbidden = 403;  ///< refused to the user himself, not to somebody without a token
 
 ClaimResult claimResult(const AnyCodable& reply) {
   const QJsonValue account = reply[QStringLiteral("accountId")];
@@ -24,6 +27,35 @@ ClaimResult claimResult(const AnyCodable& reply) {
 
 BootstrapResult bootstrapResult(const AnyCodable& reply) {
   return {.accountId = reply[QStringLiteral("accountId")].toString().toStdString()};
+}
+
+std::vector<OwnAccount> accountsFrom(const QJsonArray& list) {
+  std::vector<OwnAccount> accounts;
+  for (const QJsonValue entry : list)
+    accounts.push_back({.id = entry[QStringLiteral("id")].toString().toStdString(),
+                        .name = entry[QStringLiteral("name")].toString().toStdString(),
+                        .isOwner = entry[QStringLiteral("isOwner")].toBool()});
+  return accounts;
+}
+
+QJsonArray jsonOf(const std::vector<OwnAccount>& accounts) {
+  QJsonArray list;
+  for (const OwnAccount& account : accounts)
+    list.append(QJsonObject{{QStringLiteral("id"), QString::fromStdString(account.id)},
+                            {QStringLiteral("name"), QString::fromStdString(account.name)},
+                            {QStringLiteral("isOwner"), account.isOwner}});
+  return list;
+}
+
+bool isMember(const std::vector<AccountMember>& own, const std::string& account) {
+  return std::ranges::any_of(own, [&](const AccountMember& member) { return member.accountId.toString() == account; });
+}
+
+/// What the server says to somebody whose every membership was switched off; empty for any other error.
+std::string accessRefusal(const SBError& error) {
+  if (error.code != u"42501" || error.status != kForbidden) return {};
+  const bool isRightOfRole = error.reason.startsWith(QStringLiteral("permission denied"));
+  return (isRightOfRole || error.reason.isEmpty() ? error.text : error.reason).toStdString();
 }
 
 }  // namespace
@@ -57,6 +89,9 @@ void AccountResolver::restore() {
   const LocalCache& cache = model_.cache();
   facts_ = {.plan = cache.preference(key(kPlan)).value_or("none"),
             .additionalSeats = std::atoll(cache.preference(key(kAdditionalSeats)).value_or("0").c_str())};
+  accounts_ = accountsFrom(
+      QJsonDocument::fromJson(QByteArray::fromStdString(cache.preference(key(kAccounts)).value_or("[]"))).array());
+  preferred_.clear();
   Q_EMIT changed();
 }
 
@@ -81,29 +116,100 @@ SBTask<std::string> AccountResolver::claimOrBootstrap() {
   co_return bootstrapResult(*made).accountId;
 }
 
+SBTask<std::string> AccountResolver::claimBeside(std::vector<AccountMember> own) {
+  const auto claimed = co_await client_.call(QStringLiteral("claim_pending_invite"), RPCEmptyParams());
+  if (!claimed) {
+    if (claimed.error().kind != SBError::Case::serverError) co_return std::unexpected(claimed.error());
+    log_.say("⚠️ claim_pending_invite: " + claimed.error().logLine().toStdString());
+    co_return {};
+  }
+  invitationsDue_ = false;
+  // An invitation that was claimed long ago is told of again.
+  const ClaimResult claim = claimResult(*claimed);
+  const std::string account = claim.claimed ? claim.accountId.value_or("") : std::string();
+  co_return isMember(own, account) ? std::string() : account;
+}
+
+SBTask<std::vector<OwnAccount>> AccountResolver::nameAccounts(std::vector<AccountMember> own) {
+  std::vector<Uuid> ids;
+  std::vector<OwnAccount> accounts;
+  for (const AccountMember& member : own) {
+    ids.push_back(member.accountId);
+    accounts.push_back({.id = member.accountId.toString(), .name = {}, .isOwner = member.isOwner});
+  }
+  if (ids.size() > TableQuery::kMostInList) ids.resize(TableQuery::kMostInList);
+  if (ids.size() < 2) co_return accounts;
+  const auto named = co_await client_.read(TableQuery("accounts").in("id", ids).select("id,name"));
+  if (!named) co_return std::unexpected(named.error());
+  for (const OwnAccount& row : accountsFrom(QJsonDocument::fromJson(named->rows).array()))
+    for (OwnAccount& account : accounts)
+      if (account.id == row.id) account.name = row.name;
+  std::ranges::sort(accounts, {},
+                    [](const OwnAccount& account) { return std::tuple(!account.isOwner, account.name, account.id); });
+  co_return accounts;
+}
+
+void AccountResolver::takeAccounts(std::vector<OwnAccount> accounts) {
+  accounts_ = std::move(accounts);
+  model_.cache().setPreference(key(kAccounts),
+                               QJsonDocument(jsonOf(accounts_)).toJson(QJsonDocument::Compact).toStdString());
+}
+
+void AccountResolver::loseAccess(const std::string& user, std::string reason) {
+  log_.say("❌ resolveAccountAndMembership: " + reason);
+  model_.cache().setPreference(AppViewModel::accountKey(user), std::nullopt);
+  takeAccounts({});
+  model_.setAccessRefusal(std::move(reason));
+  model_.setAccountID({});
+  std::optional<AccountMember> own = model_.membership();
+  if (own) own->isActive = false;
+  model_.setMembership(std::move(own));
+  Q_EMIT changed();
+}
+
+bool AccountResolver::isStill(const std::string& user) const {
+  return client_.userID().toStdString() == user && model_.prefix() == user;
+}
+
 SBTask<bool> AccountResolver::resolveAccountAndMembership() {
   const std::string user = client_.userID().toStdString();
   const TableQuery ownRow = TableQuery("account_members").eq("user_id", user).eq("is_active", "true");
-  std::string preferred = model_.accountID();
+  std::string preferred = preferred_.empty() ? model_.accountID() : preferred_;
   auto own = co_await readMembers(ownRow);
   if (own && own->empty()) {
     const auto entered = co_await claimOrBootstrap();
-    if (!entered) co_return failed(entered.error());
+    if (!isStill(user)) co_return false;
+    if (!entered) {
+      std::string reason = accessRefusal(entered.error());
+      if (reason.empty()) co_return failed(entered.error());
+      loseAccess(user, std::move(reason));
+      co_return true;
+    }
+    invitationsDue_ = false;
     preferred = *entered;
     own = co_await readMembers(ownRow);
+  } else if (own && invitationsDue_) {
+    const auto invited = co_await claimBeside(*own);
+    if (!invited) co_return failed(invited.error());
+    if (!isStill(user)) co_return false;
+    if (!invited->empty()) {
+      own = co_await readMembers(ownRow);
+      // What waits belongs to the account in view and goes there first.
+      if (preferred_.empty() && model_.dirtyCount() + model_.unsavedCount() == 0) preferred = *invited;
+    }
   }
   if (!own) co_return failed(own.error());
-  if (client_.userID().toStdString() != user || model_.prefix() != user) co_return false;
+  if (!isStill(user)) co_return false;
   if (own->empty()) {
     log_.say("❌ resolveAccountAndMembership: no membership row after bootstrap/claim");
     model_.cache().setPreference(AppViewModel::accountKey(user), std::nullopt);
+    takeAccounts({});
     model_.setAccountID({});
     model_.setMembership(std::nullopt);
     Q_EMIT changed();
     co_return true;
   }
-  // A member of several accounts works in the one he worked in last, else in his own.
-  const AccountMember* chosen = &own->front();
+  const AccountMember* chosen = &*std::ranges::max_element(*own, {}, &AccountMember::createdAt);
   for (const AccountMember& member : *own) {
     if (member.accountId.toString() == preferred) {
       chosen = &member;
@@ -120,7 +226,9 @@ SBTask<bool> AccountResolver::resolveAccountAndMembership() {
   auto members = co_await membersAsked;
   if (!accountRow) co_return failed(accountRow.error());
   if (!members) co_return failed(members.error());
-  if (client_.userID().toStdString() != user || model_.prefix() != user) co_return false;
+  auto accounts = co_await nameAccounts(*std::move(own));
+  if (!accounts) co_return failed(accounts.error());
+  if (!isStill(user)) co_return false;
 
   const QJsonValue row = QJsonDocument::fromJson(accountRow->rows).array().at(0);
   facts_ = {.plan = row[QStringLiteral("plan")].toString(QStringLiteral("none")).toStdString(),
@@ -129,6 +237,9 @@ SBTask<bool> AccountResolver::resolveAccountAndMembership() {
   cache.setPreference(AppViewModel::accountKey(user), account);
   cache.setPreference(key(kPlan), facts_.plan);
   cache.setPreference(key(kAdditionalSeats), std::to_string(facts_.additionalSeats));
+  takeAccounts(*std::move(accounts));
+  preferred_.clear();
+  model_.setAccessRefusal({});
   model_.setAccountID(account);
   model_.setMembership(membership);
   log_.say("👥 account resolved: " + account + " " + std::to_string(members->size()) + " member(s)");

@@ -15,6 +15,14 @@ struct AccountFacts {
   int seats() const;
 };
 
+/// One of the accounts that the user is a member of.
+struct OwnAccount {
+  std::string id;
+  std::string name;  ///< as the account is called; may be empty
+  bool isOwner = false;
+  friend bool operator==(const OwnAccount&, const OwnAccount&) = default;
+};
+
 /// The answer of "claim_pending_invite".
 struct ClaimResult {
   std::optional<std::string> accountId;  ///< whose membership it was; of several the newest
@@ -42,12 +50,21 @@ class AccountResolver : public QObject {
 
   /// Puts the last answer about this user's account in place, beside what the store itself restores.
   void restore();
-  /// Asks the backend. An invitation to the user's address is claimed before an account of his own is made. Without a
-  /// connection the last answer stays; a user who is no member any more loses the account. False when the answer could
-  /// not be put on disk, for instance because that is full: it counts until the program ends, and is to be asked again.
+  /// Asks the backend. An invitation to the user's address is claimed before an account of his own is made, and once
+  /// after `expectInvitations` also when he has one. A member of several accounts works in the one he was invited to
+  /// just now, else in the one he worked in last, else in his own, else in the newest. Without a connection the last
+  /// answer stays; a user who is no member any more loses the account, and where the server says why, the store is told
+  /// (`AppViewModel::accessRefusal`). False when the answer could not be put on disk, for instance because that is
+  /// full: it counts until the program ends, and is to be asked again.
   SBTask<bool> resolveAccountAndMembership();
+  /// The user has just signed in, or the program started.
+  void expectInvitations() { invitationsDue_ = true; }
+  /// Makes the next resolution open this account of the user's, instead of the one in view.
+  void prefer(std::string account) { preferred_ = std::move(account); }
 
   const AccountFacts& facts() const { return facts_; }
+  /// The accounts that the user is a member of, his own first, then by name.
+  const std::vector<OwnAccount>& accounts() const { return accounts_; }
 
  Q_SIGNALS:
   void changed();
@@ -57,6 +74,14 @@ class AccountResolver : public QObject {
   SBTask<std::string> claimOrBootstrap();
   SBTask<std::vector<AccountMember>> readMembers(TableQuery query);
   QCoro::Task<bool> takeMembers(std::vector<AccountMember> members);
+  /// Claims what the user was invited to; gives the account that is new to him, or nothing.
+  SBTask<std::string> claimBeside(std::vector<AccountMember> own);
+  /// The user's accounts by name. Where there is but one nothing is asked.
+  SBTask<std::vector<OwnAccount>> nameAccounts(std::vector<AccountMember> own);
+  void takeAccounts(std::vector<OwnAccount> accounts);
+  /// The server tells that the user's access was switched off.
+  void loseAccess(const std::string& user, std::string reason);
+  bool isStill(const std::string& user) const;
   std::unexpected<SBError> failed(const SBError& error);
   std::string key(std::string_view suffix) const;
 
@@ -64,6 +89,9 @@ class AccountResolver : public QObject {
   SupabaseClient& client_;
   SyncLog& log_;
   AccountFacts facts_;
+  std::vector<OwnAccount> accounts_;
+  std::string preferred_;
+  bool invitationsDue_ = false;
   RunToken token_;
 };
 

@@ -7,11 +7,14 @@
 
 #include "store/list_loader.h"
 #include "store/preferences.h"
+#include "sync/settings_step.h"
 
 namespace thalvorn {
 namespace {
 
 QByteArray json(const QJsonObject& object) { return QJsonDocument(object).toJson(QJsonDocument::Compact); }
+
+const QString kAccountArgument = QStringLiteral("p_account_id");
 
 QString text(std::string_view value) { return QString::fromUtf8(value.data(), static_cast<qsizetype>(value.size())); }
 
@@ -72,6 +75,7 @@ QCoro::Task<void> CloudSession::opened(bool changePassword) {
   Q_EMIT changed();
   if (changePassword) Q_EMIT passwordChangeRequired();
   if (!client_->isAuthenticated()) co_return;
+  resolver_->expectInvitations();
   co_await resolver_->resolveAccountAndMembership();
   if (!*alive) co_return;
   log_.say("🚀 Launch force-sync (post-login sweep)");
@@ -106,6 +110,19 @@ SBTask<SignedIn> CloudSession::openLink(QString link) {
   co_return signedIn;
 }
 
+void CloudSession::networkReturned() {
+  if (needsSignIn()) return;
+  client_->networkReturned();
+  if (model_.prefix() != userID().toStdString()) return;
+  files_->start();
+  sync_->periodicSync();
+}
+
+int CloudSession::unsentCount() const {
+  return model_.dirtyCount() + model_.unsavedCount() + settingsWaiting(model_) + files_->waitingCount() +
+         files_->failedCount();
+}
+
 QCoro::Task<void> CloudSession::signOut() {
   const auto alive = alive_;
   model_.setAuthenticated(false);
@@ -125,12 +142,31 @@ QCoro::Task<bool> CloudSession::refreshAccount() {
   co_return resolved.has_value();
 }
 
+QCoro::Task<CloudSession::Done> CloudSession::openAccount(std::string account) {
+  const auto alive = alive_;
+  if (account == model_.accountID()) co_return {};
+  if (model_.dirtyCount() + model_.unsavedCount() > 0)
+    co_return std::unexpected(
+        QStringLiteral("Changes made here wait to be sent to the account in view. Sync first, then change over."));
+  resolver_->prefer(account);
+  const auto resolved = co_await resolver_->resolveAccountAndMembership();
+  if (!*alive) co_return {};
+  if (!resolved) co_return std::unexpected(resolved.error().text);
+  if (model_.accountID() != account)
+    co_return std::unexpected(QStringLiteral("You are no longer a member of this account."));
+  sync_->fullSync();
+  co_return {};
+}
+
 int CloudSession::seatsUsed() const {
   const auto members = model_.accountMembers().records();
   return static_cast<int>(std::ranges::count_if(members, [](const AccountMember& member) { return member.isActive; }));
 }
 
+bool CloudSession::seesTeam() const { return model_.membership() && model_.rights(AppTabPermissionKey::admin).read; }
+
 QString CloudSession::seatsText() const {
+  if (!seesTeam()) return {};
   const AccountFacts& facts = resolver_->facts();
   const QString count = QStringLiteral("%1 of %2 ").arg(seatsUsed()).arg(facts.seats());
   if (facts.plan == "none") return count + QStringLiteral("seats used — no plan");
@@ -140,18 +176,26 @@ QString CloudSession::seatsText() const {
 QCoro::Task<CloudSession::Done> CloudSession::invite(QString email, QString name, TeamRole role) {
   const auto alive = alive_;
   const int seats = resolver_->facts().seats();
-  if (seatsUsed() >= seats)
+  if (seesTeam() && seatsUsed() >= seats)
     co_return std::unexpected(
         QStringLiteral("%1 of %2 seats on your plan. Add a seat to invite another user.").arg(seatsUsed()).arg(seats));
-  const auto invited =
-      co_await client_->call(QStringLiteral("invite_team_member"), {{QStringLiteral("p_email"), email},
-                                                                    {QStringLiteral("p_name"), name},
-                                                                    {QStringLiteral("p_role"), text(rawText(role))}});
+  const QString procedure = QStringLiteral("invite_team_member");
+  QJsonObject arguments{{QStringLiteral("p_email"), email},
+                        {QStringLiteral("p_name"), name},
+                        {QStringLiteral("p_role"), text(rawText(role))},
+                        {kAccountArgument, QString::fromStdString(model_.accountID())}};
+  auto invited = co_await client_->call(procedure, arguments);
   if (!*alive) co_return {};
+  // An older server chooses the account itself; a member of one has nothing to choose.
+  if (!invited && invited.error().code == u"PGRST202" && resolver_->accounts().size() < 2) {
+    arguments.remove(kAccountArgument);
+    invited = co_await client_->call(procedure, arguments);
+    if (!*alive) co_return {};
+  }
   if (!invited) {
     log_.say("❌ inviteTeamMember failed: " + invited.error().logLine().toStdString());
-    if (invited.error().message.contains(QStringLiteral("seats on your plan")))
-      co_return std::unexpected(invited.error().text);
+    // What the procedure refuses on purpose, such as an invitation without a free seat, it explains itself.
+    if (invited.error().code == u"P0001") co_return std::unexpected(invited.error().reason);
     co_return std::unexpected(QStringLiteral("Couldn't send the invite. Check the email and try again."));
   }
   const auto told = co_await client_->sendAuthorized({.method = "POST",

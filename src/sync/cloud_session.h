@@ -47,12 +47,19 @@ class CloudSession : public QObject {
   SBTask<SignedIn> openLink(QString link);
   /// Ends the session and closes the fleet; what is here stays for the next time.
   QCoro::Task<void> signOut();
+  /// The way to the server may be open again, after a time without a network or after sleep: what waits goes on now.
+  void networkReturned();
+  /// How much of the open fleet would wait for the next sign-in: records, settings and files.
+  int unsentCount() const;
 
   // ---- the team. All of it needs a connection. The errors are for the user.
   using Done = std::expected<void, QString>;
   /// Asks for the account and its members now.
   QCoro::Task<bool> refreshAccount();
-  /// How many of the seats are used, e.g. "3 of 10 seats used on your Fleet plan".
+  /// Opens another of the user's accounts (`AccountResolver::accounts`) and fetches its records. Refuses while changes
+  /// wait, which belong to the account in view.
+  QCoro::Task<Done> openAccount(std::string account);
+  /// How many of the seats are used, e.g. "3 of 10 seats used on your Fleet plan"; empty for who does not see them all.
   QString seatsText() const;
   int seatsUsed() const;
   QCoro::Task<Done> invite(QString email, QString name, TeamRole role);
@@ -74,6 +81,8 @@ class CloudSession : public QObject {
 
  private:
   QCoro::Task<void> opened(bool passwordChangeRequired);
+  /// Whether all members of the account are told to the user.
+  bool seesTeam() const;
 
   AppViewModel& model_;
   SessionStore tokens_;

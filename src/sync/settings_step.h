@@ -4,7 +4,7 @@
 
 namespace thalvorn {
 
-// The settings that follow a user from computer to computer: one row per user, the later of the two sides stands whole.
+// The settings that follow a user from computer to computer: one row per user, merged field by field.
 
 /// 1 when they were changed here since the last exchange.
 int settingsWaiting(const AppViewModel& model);

@@ -2,8 +2,6 @@
 
 #include <QCoroFuture>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QPromise>
 #include <array>
 #include <ranges>
@@ -22,7 +20,6 @@ namespace thalvorn {
 namespace {
 
 constexpr std::string_view kLastSyncDate = "_lastSyncDate";
-constexpr std::string_view kTableVersions = "_tableVersions";
 constexpr std::string_view kChanges = "account_changes";
 constexpr std::string_view kMembers = "account_members";
 constexpr std::string_view kAccounts = "accounts";
@@ -182,15 +179,21 @@ SyncManager::SyncManager(AppViewModel& model, SupabaseClient& client, AccountRes
   decoder_.setMaxThreadCount(1);
   heldBack_.setSingleShot(true);
   connect(&heldBack_, &QTimer::timeout, this, &SyncManager::push);
-  connect(&model_, &AppViewModel::prefixChanged, this, [this] {
-    // Another user's fleet: whatever a run still does is not for it.
-    token_.end();
-    syncingSince_.reset();
-    pulledAt_.reset();
-    partial_.clear();
-    problems_.clear();
-    Q_EMIT stateChanged();
+  // Another user's fleet or another account: whatever a run still does is not for it.
+  connect(&model_, &AppViewModel::prefixChanged, this, &SyncManager::abandonRun);
+  connect(&model_, &AppViewModel::accountIDChanged, this, [this] {
+    if (isSyncing() && !runAccount_.empty() && runAccount_ != model_.accountID()) abandonRun();
   });
+}
+
+void SyncManager::abandonRun() {
+  token_.end();
+  syncingSince_.reset();
+  runAccount_.clear();
+  pulledAt_.reset();
+  partial_.clear();
+  problems_.clear();
+  Q_EMIT stateChanged();
 }
 
 SyncManager::~SyncManager() { token_.end(); }
@@ -234,16 +237,20 @@ bool SyncManager::isAnythingWaiting() const {
 }
 
 QCoro::Task<SyncOutcome> SyncManager::syncAll(bool everything) {
-  if (!mayStart(true)) co_return SyncOutcome::skipped;
+  if (!mayStart() || !co_await findAccount()) co_return SyncOutcome::skipped;
   co_return co_await runNow(everything ? Extent::everything : Extent::changes);
 }
 
 QCoro::Task<SyncOutcome> SyncManager::pushChanges() {
-  if (!mayStart(false)) co_return SyncOutcome::skipped;
+  if (!mayStart()) co_return SyncOutcome::skipped;
+  if (model_.accountID().empty()) {
+    log_.say("❌ syncAll skipped — no resolved accountID yet");
+    co_return SyncOutcome::skipped;
+  }
   co_return co_await runNow(Extent::uploads);
 }
 
-bool SyncManager::mayStart(bool full) {
+bool SyncManager::mayStart() {
   if (!client_.isAuthenticated()) {
     if (model_.isDemo()) {
       log_.say("🎭 syncAll skipped — demo mode (data is local-only)");
@@ -270,18 +277,13 @@ bool SyncManager::mayStart(bool full) {
     token_.end();
     syncingSince_.reset();
   }
-  if (model_.accountID().empty()) {
-    log_.say("❌ syncAll skipped — no resolved accountID yet");
-    if (full)
-      Q_EMIT messageForUser(tr("Couldn't determine your account — try Sync Now again, or sign out and back in."));
-    return false;
-  }
   return true;
 }
 
 QCoro::Task<SyncOutcome> SyncManager::runNow(Extent extent) {
   syncingSince_ = timing_.elapsed();
   token_ = RunToken();
+  runAccount_ = model_.accountID();
   const auto run = std::make_shared<SyncRun>(SyncRun{.model = model_,
                                                      .client = client_,
                                                      .log = log_,
@@ -369,11 +371,19 @@ QCoro::Task<bool> SyncManager::prepare(SyncRunPtr run, Extent extent, Stamps* st
       });
   if (!membersChanged) co_return true;
   const auto resolved = co_await resolver_.resolveAccountAndMembership();
-  if (run->token.isOver()) co_return false;
+  if (run->token.isOver()) {
+    // Another account has come into view: it has a run of its own.
+    const bool other = resolved && *resolved && run->model.prefix() == run->userID && !run->model.accountID().empty() &&
+                       run->model.accountID() != run->accountID;
+    if (other) {
+      run->log.say("⚠️ the account is another now; the run ends");
+      QTimer::singleShot(0, this, &SyncManager::fullSync);
+    }
+    co_return false;
+  }
   if (!resolved) endsRun(*run, resolved.error());
-  if (!resolved || model_.accountID() != run->accountID) {
-    log_.say(resolved ? "⚠️ the account is another now; the run ends"
-                      : "⚠️ members: " + resolved.error().logLine().toStdString());
+  if (!resolved) {
+    log_.say("⚠️ members: " + resolved.error().logLine().toStdString());
     run->problems.push_back(
         {std::string(kMembers), {}, "Your membership could not be confirmed; nothing was changed."});
     co_return false;
@@ -543,6 +553,7 @@ bool SyncManager::isUpToDate(const Stamps& stamps, std::string_view table) {
 
 void SyncManager::finish(const SyncRunPtr& run, bool full) {
   syncingSince_.reset();
+  runAccount_.clear();
   currentTable_ = {};
   offline_ = run->lostConnection;
   const bool goesOn = !run->lostConnection && !run->sessionGone;
@@ -568,26 +579,6 @@ void SyncManager::finish(const SyncRunPtr& run, bool full) {
   }
   Q_EMIT stateChanged();
   if (full && goesOn) Q_EMIT exchanged();
-}
-
-SyncManager::Versions SyncManager::knownVersions() const {
-  Versions versions;
-  const auto stored = model_.cache().preference(key(kTableVersions));
-  if (!stored) return versions;
-  const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(*stored)).object();
-  if (object.value(QStringLiteral("account")).toString().toStdString() != model_.accountID()) return versions;
-  const QJsonObject tables = object.value(QStringLiteral("tables")).toObject();
-  for (auto table = tables.begin(); table != tables.end(); ++table)
-    versions[table.key().toStdString()] = table.value().toInteger();
-  return versions;
-}
-
-void SyncManager::keepVersions(const Versions& versions) {
-  QJsonObject tables;
-  for (const auto& [table, version] : versions) tables[QString::fromStdString(table)] = static_cast<qint64>(version);
-  const QJsonObject object{{QStringLiteral("account"), QString::fromStdString(model_.accountID())},
-                           {QStringLiteral("tables"), tables}};
-  model_.cache().setPreference(key(kTableVersions), QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString());
 }
 
 }  // namespace thalvorn

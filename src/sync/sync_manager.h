@@ -65,6 +65,8 @@ class SyncManager : public QObject, public SyncTrigger {
   MeteredConnection& metered() { return metered_; }
   bool isSyncing() const { return syncingSince_.has_value(); }
   std::optional<Timestamp> lastSyncDate() const;
+  /// Why there is nothing to exchange with while the user's account is unknown, and what to do.
+  QString whyNoAccount() const;
   /// What kept the last run from being complete.
   const std::vector<SyncProblem>& problems() const { return problems_; }
   /// The last run found no way to the server.
@@ -90,8 +92,12 @@ class SyncManager : public QObject, public SyncTrigger {
     Versions known;               ///< as of the last download of each that was whole
   };
 
-  bool mayStart(bool full);
+  bool mayStart();
+  /// Asks for the user's account where it could not be found before.
+  QCoro::Task<bool> findAccount();
   bool isAnythingWaiting() const;
+  /// What the run under way still does counts no more.
+  void abandonRun();
   QCoro::Task<SyncOutcome> runNow(Extent extent);
   QCoro::Task<void> work(SyncRunPtr run, Extent extent);
   /// What has to be known before records are exchanged: a fresh token, what has changed, the membership. False when the
@@ -142,6 +148,8 @@ class SyncManager : public QObject, public SyncTrigger {
   std::optional<std::chrono::milliseconds> syncingSince_;  ///< in `Timing` time
   std::optional<std::chrono::milliseconds> pulledAt_;      ///< the last full run that found its way, in `Timing` time
   RunToken token_;
+  std::string runAccount_;  ///< the account of the run under way
+  QString toldRefusal_;
   bool pushAgain_ = false;
   bool offline_ = false;
   std::string_view currentTable_;

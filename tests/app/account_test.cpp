@@ -273,6 +273,30 @@ TEST_F(AtSea, ARoleClosesPagesAndStopsWhatWouldChangeRecords) {
   EXPECT_TRUE(app_.closedPages().isEmpty()) << "in the demo fleet everything is allowed";
 }
 
+TEST_F(AtSea, AccessThatWasSwitchedOffIsToldAndLeavesTheFleetToRead) {
+  signedIn();
+  start();
+  team({own(TeamRole::editor)});
+  addVessel("M/Y Meridian");
+  const QString why = QStringLiteral("Your access has been switched off. Ask the owner of the account.");
+  AccountMember inactive = own(TeamRole::editor);
+  inactive.isActive = false;
+  model().setAccessRefusal(why.toStdString());
+  model().setAccountID({});
+  model().setMembership(inactive);
+  EXPECT_EQ(account_->refusal(), why);
+  EXPECT_EQ(team_->role(), QStringLiteral("Inactive"));
+  EXPECT_EQ(team_->seatsText(), QString());
+  EXPECT_EQ(sync_->state(), QStringLiteral("problem"));
+  EXPECT_TRUE(sync_->detail().startsWith(why)) << sync_->detail().toStdString();
+  const PageAccess access = pageAccess(model());
+  EXPECT_FALSE(access.closed.contains(QStringLiteral("maintenance")));
+  EXPECT_TRUE(access.readOnly.contains(QStringLiteral("maintenance")));
+  session_->openFleetNow(std::string(AppViewModel::demoPrefix));
+  EXPECT_EQ(account_->refusal(), QString());
+  EXPECT_TRUE(pageAccess(model()).readOnly.isEmpty());
+}
+
 TEST_F(AtSea, AConflictIsShownAndSettledEitherWay) {
   signedIn();
   start();

@@ -8,6 +8,7 @@
 
 #include "store/cache_testing.h"
 #include "store/preferences.h"
+#include "store/user_preferences.h"
 
 namespace thalvorn {
 namespace {
@@ -70,6 +71,32 @@ TEST(LocalCache, PreferencesAreSeenAtOnceAndAfterARestart) {
   EXPECT_EQ(preferences.number("ratio"), 0.1);
   EXPECT_EQ(preferences.integer("ratio"), std::nullopt);
   EXPECT_TRUE(preferences.flag("onboardingComplete_7"));
+}
+
+TEST(UserPreferences, OnceSharedByAllGoToWhoeverWorkedWithThem) {
+  const ScratchFolder folder;
+  const auto cache = opened(folder / "store.db");
+  const auto shared = [&] {
+    cache->setPreference(std::string(preference_keys::userDisplayName), "Anna");
+    cache->setPreference(std::string(preference_keys::weatherLocation), "Antibes");
+  };
+  const UserPreferences anna(*cache, "anna");
+  const UserPreferences bo(*cache, "bo");
+  const UserPreferences local(*cache, "local");
+  shared();
+  cache->setPreference(std::string(preference_keys::userID), "anna");
+  for (const UserPreferences* each : {&bo, &local, &anna, &bo}) each->adoptShared("local");
+  EXPECT_EQ(anna.value(preference_keys::userDisplayName), "Anna");
+  EXPECT_EQ(bo.value(preference_keys::userDisplayName), std::nullopt);
+  EXPECT_EQ(local.value(preference_keys::weatherLocation), std::nullopt);
+  EXPECT_EQ(cache->preference(preference_keys::weatherLocation), std::nullopt);
+
+  shared();
+  cache->setPreference(std::string(preference_keys::userID), std::nullopt);
+  anna.set(preference_keys::weatherLocation, "Nice");
+  for (const UserPreferences* each : {&anna, &local}) each->adoptShared("local");
+  EXPECT_EQ(anna.value(preference_keys::weatherLocation), "Nice");
+  EXPECT_EQ(local.value(preference_keys::weatherLocation), "Antibes") << "nobody is signed in";
 }
 
 }  // namespace

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <QEventLoop>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QProcess>
 #include <QStringList>
 #include <string>
@@ -44,6 +48,18 @@ class BackendProcess {
   bool execute(const QString& statement) const {
     return QProcess::execute(QStringLiteral("psql"), {facts_[QStringLiteral("databaseUrl")].toString(),
                                                       QStringLiteral("-Atqc"), statement}) == 0;
+  }
+  /// Orders what goes wrong from now on, as `scripts/backend --help` names it; an empty list ends it.
+  bool setFaults(const QStringList& faults) const {
+    QNetworkAccessManager network;
+    QNetworkRequest request(url().resolved(QUrl(QStringLiteral("/dev/settings"))));
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    const QJsonObject settings{{QStringLiteral("faults"), QJsonArray::fromStringList(faults)}};
+    QNetworkReply* reply = network.sendCustomRequest(request, "PATCH", QJsonDocument(settings).toJson());
+    QEventLoop loop;
+    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    if (!reply->isFinished()) loop.exec();
+    return reply->error() == QNetworkReply::NoError;
   }
   /// Runs a file of statements likewise.
   bool executeFile(const QString& file) const {

@@ -5,6 +5,7 @@
 #include "backend/filler.h"
 #include "computer.h"
 #include "store/preferences.h"
+#include "store/user_preferences.h"
 
 namespace thalvorn {
 namespace {
@@ -75,9 +76,10 @@ TEST(Records, OfEveryKindArriveAsTheyWere) {
     }
   });
   ASSERT_TRUE(finished(Computer::saved(first.model->apply(std::move(edit)))));
-  Preferences(*first.cache).setText(preference_keys::weatherLocation, "43.55,7.02");
-  Preferences(*first.cache).setText(preference_keys::tideStationID, "8724580");
-  Preferences(*first.cache).setText(preference_keys::tideStationName, "Key West");
+  const UserPreferences chosen(*first.cache, user);
+  chosen.change(preference_keys::weatherLocation, "43.55,7.02", first.clock.now());
+  chosen.change(preference_keys::tideStationID, "8724580", first.clock.now());
+  chosen.change(preference_keys::tideStationName, "Key West", first.clock.now());
   EXPECT_EQ(first.sync(), SyncOutcome::complete) << first.problems();
   EXPECT_EQ(first.model->dirtyCount(), 0) << "each was read back as it was sent";
   EXPECT_THAT(differences(*first.model, vessel, user), IsEmpty());
@@ -87,10 +89,10 @@ TEST(Records, OfEveryKindArriveAsTheyWere) {
   EXPECT_EQ(second.sync(), SyncOutcome::complete) << second.problems();
   EXPECT_THAT(differences(*second.model, vessel, user), IsEmpty());
   EXPECT_EQ(second.model->dirtyCount(), 0);
-  const Preferences preferences(*second.cache);
-  EXPECT_EQ(preferences.text(preference_keys::weatherLocation), "43.55,7.02");
-  EXPECT_EQ(preferences.text(preference_keys::tideStationID), "8724580");
-  EXPECT_EQ(preferences.text(preference_keys::tideStationName), "Key West");
+  const UserPreferences preferences(*second.cache, user);
+  EXPECT_EQ(preferences.value(preference_keys::weatherLocation), "43.55,7.02");
+  EXPECT_EQ(preferences.value(preference_keys::tideStationID), "8724580");
+  EXPECT_EQ(preferences.value(preference_keys::tideStationName), "Key West");
 }
 
 TEST(Records, ArePostsAcknowledgedByEachForHimself) {

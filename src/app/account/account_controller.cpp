@@ -86,6 +86,8 @@ QString AccountController::name() const {
   return email();
 }
 
+QString AccountController::refusal() const { return ownFleetInView() ? toQt(model().accessRefusal()) : QString(); }
+
 // ---- the form ----
 
 void AccountController::setStep(const QString& step) {
@@ -286,9 +288,7 @@ void AccountController::followLink(const QString& link) {
 }
 
 void AccountController::requestSignOut() {
-  const int waiting = ownFleetInView() ? model().dirtyCount() + model().unsavedCount() +
-                                             cloud_->files().waitingCount() + cloud_->files().failedCount()
-                                       : 0;
+  const int waiting = ownFleetInView() ? cloud_->unsentCount() : 0;
   if (waiting == 0) {
     signOut();
     return;

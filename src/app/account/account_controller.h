@@ -19,6 +19,7 @@ class AccountController : public QObject {
   Q_PROPERTY(QString state READ state NOTIFY changed)
   Q_PROPERTY(QString email READ email NOTIFY changed)
   Q_PROPERTY(QString name READ name NOTIFY changed)
+  Q_PROPERTY(QString refusal READ refusal NOTIFY changed)
   Q_PROPERTY(QString step READ step WRITE setStep NOTIFY stepChanged)
   Q_PROPERTY(QString notice READ notice NOTIFY formChanged)
   Q_PROPERTY(QString work READ work NOTIFY formChanged)
@@ -44,6 +45,9 @@ class AccountController : public QObject {
   QString email() const;
   /// What that user is called, for "Work offline as …".
   QString name() const;
+
+  /// Why the server lets the user no longer into his account, in its words; empty while it does.
+  QString refusal() const;
 
   /// What the welcome page asks for: "choice", "signIn", "signUp" or "forgot".
   QString step() const { return step_; }

@@ -85,6 +85,7 @@ QString SyncController::state() const {
   if (cloud_->needsSignIn()) return QStringLiteral("signIn");
   if (sync.isSyncing()) return QStringLiteral("syncing");
   if (sync.isOffline()) return QStringLiteral("offline");
+  if (model_.accountID().empty() || !model_.accessRefusal().empty()) return QStringLiteral("problem");
   if (!sync.problems().empty() || cloud_->files().failedCount() > 0) return QStringLiteral("problem");
   return waitingCount() > 0 ? QStringLiteral("waiting") : QStringLiteral("current");
 }
@@ -113,6 +114,7 @@ QString SyncController::detail() const {
                "The fleet server cannot be reached. Everything works, and the exchange goes on when the "
                "connection is back.") +
            held;
+  if (now == u"problem" && model_.accountID().empty()) return cloud_->sync().whyNoAccount() + held;
   if (now == u"problem" && cloud_->sync().problems().empty())
     return QStringLiteral("A photo or paper could not be sent. Below stands why.");
   if (now == u"problem") return QStringLiteral("The last run could not do everything. What is missing is tried again.");

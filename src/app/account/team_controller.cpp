@@ -49,6 +49,7 @@ QString TeamController::seatsText() const { return open() ? cloud_->seatsText() 
 QString TeamController::role() const {
   const auto& own = model().membership();
   if (!open() || !own) return {};
+  if (!own->isActive) return QStringLiteral("Inactive");
   return own->isOwner ? QStringLiteral("Owner") : toQt(own->role.display());
 }
 
@@ -95,6 +96,20 @@ QVariantList TeamController::members() const {
   });
   return list;
 }
+
+QVariantList TeamController::accounts() const {
+  QVariantList list;
+  if (!open()) return list;
+  for (const OwnAccount& account : cloud_->account().accounts()) {
+    const QString name = account.name.empty() ? QStringLiteral("Account without a name") : toQt(account.name);
+    list.append(
+        QVariantMap{{QStringLiteral("value"), toQt(account.id)},
+                    {QStringLiteral("text"), account.isOwner ? QStringLiteral("%1 (your own)").arg(name) : name}});
+  }
+  return list;
+}
+
+QString TeamController::accountId() const { return toQt(model().accountID()); }
 
 QVariantList TeamController::roles() const {
   QVariantList list = choicesOf<TeamRole>();
@@ -246,6 +261,14 @@ void TeamController::remove(const QString& id) {
   const QString name = describe(*found).value(QStringLiteral("name")).toString();
   QCoro::connect(cloud_->removeMember(found->id), this, [this, name](const CloudSession::Done& removed) {
     settle(removed, QStringLiteral("%1 is no longer in the team.").arg(name));
+  });
+}
+
+void TeamController::openAccount(const QString& id) {
+  clearErrors();
+  if (id == accountId() || !begin()) return;
+  QCoro::connect(cloud_->openAccount(id.toStdString()), this, [this](const CloudSession::Done& opened) {
+    settle(opened, QStringLiteral("The other account is open; its records are being fetched."));
   });
 }
 

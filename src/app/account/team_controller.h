@@ -17,6 +17,8 @@ class TeamController : public QObject {
   Q_PROPERTY(QString seatsText READ seatsText NOTIFY changed)
   Q_PROPERTY(QString role READ role NOTIFY changed)
   Q_PROPERTY(QVariantList members READ members NOTIFY changed)
+  Q_PROPERTY(QVariantList accounts READ accounts NOTIFY changed)
+  Q_PROPERTY(QString accountId READ accountId NOTIFY changed)
   Q_PROPERTY(QVariantList roles READ roles CONSTANT)
   Q_PROPERTY(QVariantList accesses READ accesses CONSTANT)
   Q_PROPERTY(bool hasLocalFleet READ hasLocalFleet NOTIFY changed)
@@ -39,6 +41,10 @@ class TeamController : public QObject {
   /// The owner first, then by name: {id, name, email, role, roleText, state, tone, isOwner, isSelf, invited, active,
   /// exceptions}.
   QVariantList members() const;
+  /// The accounts that the user is a member of, his own first: {value, text}.
+  QVariantList accounts() const;
+  /// The one in view.
+  QString accountId() const;
   /// What each role may do: {value, text, detail}.
   QVariantList roles() const;
   /// What an exception can be: {value, text}.
@@ -64,6 +70,8 @@ class TeamController : public QObject {
   Q_INVOKABLE void save(const QString& id, const QString& name, const QString& role, bool active,
                         const QVariantMap& overrides);
   Q_INVOKABLE void remove(const QString& id);
+  /// Brings another of the user's accounts into view.
+  Q_INVOKABLE void openAccount(const QString& id);
   /// Takes the fleet kept on this computer into the account.
   Q_INVOKABLE void adoptLocalFleet();
 

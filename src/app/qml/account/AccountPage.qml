@@ -50,6 +50,15 @@ Page {
             onAction: Account.showSignIn()
             Layout.fillWidth: true
         }
+        ErrorBanner {
+            title: "You are no longer in this account"
+            text: Account.refusal ? Account.refusal + " What is on this computer can still be read, and what you changed waits." : ""
+            tone: "soon"
+            actionText: root.expired ? "" : "Ask again"
+            dismissable: false
+            onAction: Sync.syncNow()
+            Layout.fillWidth: true
+        }
         ErrorBanner { text: Team.error; onDismissed: Team.clearErrors(); Layout.fillWidth: true }
 
         GridLayout {
@@ -83,6 +92,16 @@ Page {
                 Card {
                     title: "Account"
                     Layout.fillWidth: true
+                    ComboField {
+                        visible: Team.accounts.length > 1
+                        label: "Account in view"
+                        hint: "You are a member of several accounts. Each has its own fleet."
+                        options: Team.accounts
+                        value: Team.accountId
+                        readOnly: Team.busy || root.expired
+                        onPicked: (value) => Team.openAccount(value)
+                        Layout.fillWidth: true
+                    }
                     RowLayout {
                         spacing: Theme.space4
                         Fact { label: "Plan"; value: Team.plan }
