@@ -14,6 +14,7 @@
 #include <QThread>
 #include <QTimer>
 #include <atomic>
+#include <ctime>
 
 #include "figures.h"
 #include "shared_fleet.h"
@@ -200,19 +201,34 @@ bool besideNode(const QString& self) {
   return true;
 }
 
+/// The CPU time of this thread. On a machine that does other work too a turn also lasts while others have the
+/// processor.
+std::chrono::nanoseconds ownTime() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
 /// The longest turns of the event loop while everything comes down; nothing when it did not.
 bool longestTurn(const BackendProcess& backend) {
   Computer computer(toldServer());
   if (!QCoro::waitFor(computer.cloud.client().signIn(backend.email(0), backend.password(0)))) return false;
   bench::Samples turns;
+  bench::Samples busy;
   const QCoro::Task<bool> underWay = computer.cloud.resume();
   const auto begin = std::chrono::steady_clock::now();
   while ((computer.model.tasks().size() < kTasks || computer.cloud.sync().isSyncing()) &&
          std::chrono::steady_clock::now() - begin < std::chrono::minutes(2))
-    turns.time([] { QCoreApplication::processEvents(QEventLoop::AllEvents); });
+    turns.time([&] {
+      const auto before = ownTime();
+      QCoreApplication::processEvents(QEventLoop::AllEvents);
+      busy.add(std::chrono::duration_cast<std::chrono::steady_clock::duration>(ownTime() - before));
+    });
   if (computer.model.tasks().size() < kTasks) return false;
-  bench::printReport("first sync of 100,000 tasks: longest turn of the event loop",
-                     bench::milliseconds(turns.percentile(1)), "meant: under 16 ms");
+  bench::printReport(
+      "first sync of 100,000 tasks: longest turn of the event loop",
+      bench::milliseconds(turns.percentile(1)) + ", of its own CPU time " + bench::milliseconds(busy.percentile(1)),
+      "meant: under 16 ms");
   return true;
 }
 

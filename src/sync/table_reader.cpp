@@ -1,6 +1,7 @@
 #include "sync/table_reader.h"
 
 #include <QCoroFuture>
+#include <QCoroTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QPromise>
@@ -218,6 +219,8 @@ SBTask<Download> readTable(TableRead from, ReadPage read) {
     // Where the next page has come already it is taken first; else there is time to see this one saved.
     const bool isNextHere = !coming.empty() && coming.front().isReady();
     if (!co_await settle(&unsaved, isNextHere ? kPagesUnsaved : 0, token)) failure = notKept();
+    // One page at a turn of the event loop, however many are here: the window draws in between.
+    if (isNextHere && !token.isOver()) co_await QCoro::sleepFor(std::chrono::milliseconds(0));
     if (token.isOver()) co_return download;
   }
   if (!co_await settle(&unsaved, 0, token) && !failure) failure = notKept();
