@@ -211,6 +211,7 @@ RowOf<T> rowFromRecord(const T& record, const RowContext& context, const RowOf<T
     if constexpr (field < fieldCount<T>)
       toColumn(record.*boost::mp11::mp_at_c<FieldList<T>, field>::pointer, column, was);
   });
+  if constexpr (requires { RowKind<T>::finishRow(record, row); }) RowKind<T>::finishRow(record, row);
   stampRow(record, context, row);
   if constexpr (TableRegisterRow<Row>) {
     if constexpr (extraFields<T> != 0) {
@@ -264,6 +265,7 @@ std::expected<FromRow<T>, JsonError> recordFromRow(const RowOf<T>& row, const T*
     }
     if (!readable) made.unreadable.push_back({std::string(json_detail::keys<Row>[i].name()), error.message()});
   });
+  if constexpr (requires { RowKind<T>::finishRecord(row, made.record); }) RowKind<T>::finishRecord(row, made.record);
   if constexpr (TableRegisterRow<Row> && extraFields<T> != 0) {
     if (row.extraJson && *row.extraJson != "null") {
       T read = made.record;

@@ -24,7 +24,7 @@
 #include "compliance/marpol_record.h"
 #include "core/maintenance_task.h"
 #include "core/service_log.h"
-#include "core/vessel.h"
+#include "core/vessel_order.h"
 #include "core/vessel_profile.h"
 #include "operations/bunkering_record.h"
 #include "operations/saved_waypoint.h"
@@ -57,6 +57,7 @@ struct RowFacts {
 ///   static constexpr std::array<…> elsewhere      fields that no row of this table holds: another table's, or bytes
 ///   that
 ///                                                 move to file storage first
+///   static void finishRow(record, row), finishRecord(row, record)   what remains to be done after the fields
 template <class T>
 struct RowKind;
 
@@ -67,7 +68,6 @@ struct RowKind;
     static constexpr RowFacts facts{__VA_ARGS__}; \
   }
 
-THALVORN_ROW_KIND(Vessel, SBVesselRow, "vessels", "sort_order.asc,name.asc");
 THALVORN_ROW_KIND(ServiceLog, SBServiceLogRow, "service_logs", "completed_date.desc");
 THALVORN_ROW_KIND(ShipsLogEntry, SBShipsLogRow, "ships_log");
 THALVORN_ROW_KIND(BunkeringRecord, SBBunkeringRow, "bunkering_records");
@@ -85,6 +85,19 @@ THALVORN_ROW_KIND(YardLogEntry, SBYardLogEntryRow, "yard_log_entries", "", RowSc
 THALVORN_ROW_KIND(SubscriptionAccount, SBSubscriptionAccountRow, "subscription_accounts");
 THALVORN_ROW_KIND(AccountMember, SBAccountMemberRow, "account_members");
 #undef THALVORN_ROW_KIND
+
+/// A vessel that nobody has put in order has no `sort_order`.
+template <>
+struct RowKind<Vessel> {
+  using Row = SBVesselRow;
+  static constexpr RowFacts facts{"vessels", "sort_order.asc,name.asc"};
+  static void finishRow(const Vessel& vessel, Row& row) {
+    if (vessel.sortOrder >= unordered) row.sortOrder.reset();
+  }
+  static void finishRecord(const Row& row, Vessel& vessel) {
+    if (!row.sortOrder) vessel.sortOrder = unordered;
+  }
+};
 
 template <>
 struct RowKind<VesselProfile> {

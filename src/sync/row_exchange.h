@@ -61,8 +61,9 @@ template <class Row>
 void tellUnreadable(SyncRun& run, const Row& row, const JsonError& error) {
   if constexpr (std::is_same_v<Row, SBVoyagePlanRow>) {
     run.log.say("❌ VoyagePlan JSON decode FAILED for '" + row.planName + "'");
-    run.log.say("   plan_json head: " + row.planJson.substr(0, 80));
-    run.log.say("   Raw payload (first 300 chars): " + row.planJson.substr(0, 300));
+    const QString text = QString::fromStdString(row.planJson);
+    run.log.say(QStringLiteral("   plan_json head: ") + text.left(80));
+    run.log.say(QStringLiteral("   Raw payload (first 300 chars): ") + text.left(300));
     run.problems.push_back(
         {"voyage_plans", row.planName, "This plan cannot be read by this program: " + error.message()});
   } else {

@@ -114,6 +114,12 @@ TEST(RowColumnsTest, AreTheTables) {
   EXPECT_THAT(all, HasSubstr(R"("extra_json":"{\"notes\":\"keys at the mast\",\"meterHistory\":[]}")"));
   EXPECT_THAT(all, Not(HasSubstr("server_version")));
 
+  Vessel unplaced = vessel;
+  unplaced.sortOrder = unordered;
+  const SBVesselRow without = rowFromRecord(unplaced, kContext);
+  EXPECT_EQ(without.sortOrder, std::nullopt);
+  EXPECT_EQ(recordFromRow<Vessel>(without, &vessel)->record.sortOrder, unordered);
+
   EXPECT_EQ(rowsOf<Vessel>(kAccount).order(RowKind<Vessel>::facts.order).path(),
             "/vessels?account_id=eq.aaaaaaaa-0000-4000-8000-000000000002&order=sort_order.asc,name.asc");
   EXPECT_EQ(rowsOf<WorkOrder>(kAccount).path(), "/work_orders?vessel_id=eq.aaaaaaaa-0000-4000-8000-000000000002");

@@ -8,6 +8,7 @@
 #include "app/maintenance/task_texts.h"
 #include "app/save_outcome.h"
 #include "core/particulars.h"
+#include "core/vessel_order.h"
 
 namespace thalvorn::app {
 
@@ -141,8 +142,7 @@ bool VesselSheet::save() {
 VesselAndProfile newVessel(const AppViewModel& store) {
   VesselAndProfile made;
   made.vessel.id = Uuid::random();
-  for (const Vessel& vessel : store.vessels().records())
-    made.vessel.sortOrder = std::max(made.vessel.sortOrder, vessel.sortOrder + 1);
+  made.vessel.sortOrder = nextPlace(store.vessels().records());
   made.profile.id = Uuid::random();
   made.profile.vesselID = made.vessel.id;
   return made;
