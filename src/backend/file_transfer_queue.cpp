@@ -133,10 +133,13 @@ void FileTransferQueue::process() {
   if (!running_ || pausing_) run();
 }
 
+void FileTransferQueue::setAccount(const QString& account) { account_ = account.toStdString(); }
+
 std::optional<FileTransfer> FileTransferQueue::next() const {
   const std::string user = client_.userID().toStdString();
   for (const FileTransfer& transfer : transfers_)
-    if (!transfer.isParked && transfer.userID == user) return transfer;
+    if (!transfer.isParked && transfer.userID == user && (!account_ || transfer.accountID == *account_))
+      return transfer;
   return std::nullopt;
 }
 

@@ -56,6 +56,8 @@ class FileTransferQueue : public QObject {
               const QString& name = {});
   bool remove(const QString& account, const QString& bucket, const QString& path);
 
+  /// Has only what goes to this account be worked off; what was queued for another one stays until he is in it again.
+  void setAccount(const QString& account);
   /// Starts on what waits for the signed-in user; called by itself after `upload`, `remove` and signing in. Call it
   /// when the network returns.
   void process();
@@ -92,6 +94,7 @@ class FileTransferQueue : public QObject {
   Timing& timing_;
   QString file_;
   std::vector<FileTransfer> transfers_;
+  std::optional<std::string> account_;  ///< empty: of every account
   bool running_ = false;
   bool pausing_ = false;
   int turn_ = 0;  ///< of `run`; one that wakes from its pause to find a later one does nothing more

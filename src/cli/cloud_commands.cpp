@@ -62,6 +62,11 @@ std::string whySkipped(const CommandContext& context) {
 CommandResult afterSync(const CommandContext& context, SyncOutcome outcome) {
   const SyncManager& sync = context.cloud->sync();
   CommandResult result;
+  if (const std::string kept = context.cloud->setAsideFleet().toStdString(); !kept.empty())
+    result.err = fmt::format(
+        "You are no member any more of the account that the fleet here belonged to. It is kept, with what had not been "
+        "sent, to be read: --user {}\n",
+        kept);
   if (context.json) {
     std::vector<std::string> problems;
     for (const SyncProblem& problem : sync.problems())
@@ -82,11 +87,11 @@ CommandResult afterSync(const CommandContext& context, SyncOutcome outcome) {
   if (outcome == SyncOutcome::complete) return result;
   result.exit = kRefused;
   if (sync.isOffline()) {
-    result.err = "The fleet server cannot be reached. What was changed here waits.\n";
+    result.err += "The fleet server cannot be reached. What was changed here waits.\n";
   } else if (outcome == SyncOutcome::skipped) {
-    result.err = whySkipped(context) + "\n";
+    result.err += whySkipped(context) + "\n";
   } else if (sync.problems().empty()) {
-    result.err = "The run was cut short. Run sync again.\n";
+    result.err += "The run was cut short. Run sync again.\n";
   } else {
     for (const SyncProblem& problem : sync.problems()) result.err += problemLine(problem);
   }
@@ -97,7 +102,15 @@ QCoro::Task<SyncOutcome> syncNow(CloudSession* cloud) {
   SyncManager& sync = cloud->sync();
   while (sync.isSyncing())
     if (!co_await nextEmission(&sync, &SyncManager::stateChanged, kUntilChange)) break;
-  co_return co_await sync.syncAll();
+  const QString setAside = cloud->setAsideFleet();
+  SyncOutcome outcome = co_await sync.syncAll();
+  if (cloud->setAsideFleet() != setAside) {
+    // The run ended with the fleet of the former account; another one is for that of the present.
+    while (sync.isSyncing())
+      if (!co_await nextEmission(&sync, &SyncManager::stateChanged, kUntilChange)) break;
+    outcome = co_await sync.syncAll();
+  }
+  co_return outcome;
 }
 
 /// Photos and papers go beside the records; the command ends when those that can go are there.
@@ -125,7 +138,7 @@ QCoro::Task<CommandResult> signIn(CommandContext context, Arguments arguments) {
   const SyncOutcome outcome = co_await syncNow(context.cloud);
   CommandResult result = done(fmt::format("Signed in as {}.\n", signedIn->email.toStdString()));
   if (signedIn->passwordChangeRequired) result.err = "The password has to be changed; do so in the program's window.\n";
-  if (outcome != SyncOutcome::complete) result.err += afterSync(context, outcome).err;
+  result.err += afterSync(context, outcome).err;
   co_return result;
 }
 
@@ -225,8 +238,8 @@ QCoro::Task<CommandResult> inviteMember(CommandContext context, Arguments argume
   if (auto problem = unlessSignedIn(context)) co_return *problem;
   const auto role = caseFromRaw<TeamRole>(arguments.required("--role"));
   if (!role) co_return misused("--role is admin, editor or viewOnly.");
-  const auto invited = co_await context.cloud->invite(QString::fromStdString(arguments.operands.front()),
-                                                      QString::fromStdString(arguments.required("--name")), *role);
+  const auto invited = co_await context.cloud->inviteTeamMember(
+      QString::fromStdString(arguments.operands.front()), QString::fromStdString(arguments.required("--name")), *role);
   if (!invited) co_return refused(invited.error().toStdString());
   co_return done(fmt::format("{} is invited.\n", printable(arguments.operands.front())));
 }
@@ -256,7 +269,7 @@ QCoro::Task<CommandResult> showConflicts(CommandContext context, Arguments argum
   std::string out;
   for (const ConflictNote* note : notes) {
     out += fmt::format("{}  {} “{}”{}\n", note->id.toString(), formatTimestamp(note->createdAt),
-                       printable(note->recordName), note->deleted ? " was deleted while someone changed it" : "");
+                       printable(nameOf(store, *note)), note->deleted ? " was deleted while someone changed it" : "");
     for (const ConflictLine& line : conflictLines(store, *note))
       out += fmt::format("    {}: {} — the other: {}\n", line.field, printable(line.now), printable(line.other));
   }

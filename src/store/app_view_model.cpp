@@ -164,7 +164,7 @@ AppViewModel::Loaded AppViewModel::decodeState(LocalCache& cache, const Attachme
         if (const auto found = moved.find(record.id); found != moved.end()) record = std::move(found->second);
     }
   });
-  if (prefix != demoPrefix && prefix != localPrefix) {
+  if (!staysOnThisComputer(prefix)) {
     for (const auto* edits : {&state->unsent, &state->journal})
       for (const JournalEntry& edit : *edits) loaded.marks.note(edit, edit.revision);
   }
@@ -204,19 +204,19 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
 }
 
 void AppViewModel::restoreAccount() {
+  const bool shared = !prefix_.empty() && !staysOnThisComputer();
+  setAccountID(shared ? cache_.preference(accountKey(prefix_)).value_or(std::string()) : std::string());
   std::optional<AccountMember> own;
-  accessRefusal_.clear();
-  if (!prefix_.empty() && !staysOnThisComputer()) {
-    setAccountID(cache_.preference(accountKey(prefix_)).value_or(std::string()));
-    accessRefusal_ = cache_.preference(accessRefusalKey(prefix_)).value_or(std::string());
-    for (const AccountMember& member : accountMembers().records()) {
-      if (!member.userId || member.userId->toString() != prefix_) continue;
-      if (member.accountId.toString() == accountId_ || !accessRefusal_.empty()) own = member;
-    }
-    if (own && !accessRefusal_.empty()) own->isActive = false;
-  } else {
-    setAccountID({});
+  accessRefusal_ = shared ? cache_.preference(accessRefusalKey(prefix_)).value_or(std::string()) : std::string();
+  for (const AccountMember& member : accountMembers().records()) {
+    if (!member.userId) continue;
+    const std::string user = member.userId->toString();
+    const std::string account = member.accountId.toString();
+    if (shared ? user == prefix_ && (account == accountId_ || !accessRefusal_.empty())
+               : prefix_ == setAsidePrefix(user, account))
+      own = member;
   }
+  if (own && !accessRefusal_.empty()) own->isActive = false;
   setMembership(std::move(own));
 }
 

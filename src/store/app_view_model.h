@@ -122,8 +122,21 @@ class AppViewModel : public QObject {
   /// choice.
   const std::string& prefix() const { return prefix_; }
   bool isDemo() const { return prefix_ == demoPrefix; }
-  /// True for the two fleets that are never uploaded.
-  bool staysOnThisComputer() const { return prefix_ == demoPrefix || prefix_ == localPrefix; }
+  /// True for the fleets that are never uploaded: those two, and one that was set aside.
+  bool staysOnThisComputer() const { return staysOnThisComputer(prefix_); }
+  static bool staysOnThisComputer(std::string_view prefix) {
+    return prefix == demoPrefix || prefix == localPrefix || isSetAside(prefix);
+  }
+  /// The fleet of an account that its user has left, as it last was on this computer: it can be read only.
+  bool isSetAside() const { return isSetAside(prefix_); }
+  static bool isSetAside(std::string_view prefix) { return prefix.contains('@'); }
+  /// The prefix under which it is kept.
+  static std::string setAsidePrefix(const std::string& userID, const std::string& account) {
+    return userID + "@" + account;
+  }
+  /// Preferences behind that prefix: whose fleet it was, by the names of her vessels, and since when it is set aside.
+  static constexpr std::string_view setAsideVessels = "_setAsideVessels";
+  static constexpr std::string_view setAsideSince = "_setAsideSince";
 
   LocalCache& cache() const { return cache_; }
   /// The photos and files of the records, in the folder "files" beside the store's file.
@@ -219,6 +232,15 @@ class AppViewModel : public QObject {
   void setAuthenticated(bool authenticated);
   /// The account whose rows the fleet is; empty while it is not resolved.
   void setAccountID(std::string id);
+  /// Has the open user's fleet be that of another account. The one that is here is set aside and never sent to it; one
+  /// that was set aside of that account is brought back, with what waits in it. Everything must be saved. False when
+  /// the change could not be made durable: everything stands as it did.
+  QCoro::Task<bool> changeAccount(std::string account);
+  /// The account that the open user's fleet on this computer belongs to, also when he is no member of it any more;
+  /// empty while it is nobody's yet.
+  std::string fleetAccount() const;
+  /// The preference that keeps it between starts.
+  static std::string fleetAccountKey(const std::string& userID) { return userID + "_fleetAccount"; }
   /// The preference that keeps the account of a user between starts.
   static std::string accountKey(const std::string& userID) { return userID + "_accountID"; }
   /// The preference that keeps why a user has lost his access.

@@ -1,8 +1,10 @@
 // The store's side of the exchange with the backend: what waits for upload, and taking what came down.
 
+#include <QCoroFuture>
 #include <algorithm>
 
 #include "store/app_view_model.h"
+#include "store/logging.h"
 
 namespace thalvorn {
 namespace {
@@ -72,6 +74,50 @@ void AppViewModel::setAccountID(std::string id) {
   Q_EMIT accountIDChanged();
 }
 
+std::string AppViewModel::fleetAccount() const {
+  const auto kept = cache_.preference(fleetAccountKey(prefix_));
+  return kept ? *kept : cache_.preference(accountKey(prefix_)).value_or(std::string());
+}
+
+QCoro::Task<bool> AppViewModel::changeAccount(std::string account) {
+  const std::string user = prefix_;
+  const std::string former = fleetAccount();
+  if (former.empty() || former == account) {
+    cache_.setPreference(fleetAccountKey(user), account);
+    setAccountID(std::move(account));
+    co_return true;
+  }
+  if (unsavedCount() > 0) co_return false;
+  const std::string aside = setAsidePrefix(user, former);
+  // What is on the screen belongs to what is set aside until the other fleet is read: nothing is entered in between.
+  prefix_ = aside;
+  std::string names;
+  for (const Vessel* vessel : vesselsInOrder()) names += (names.empty() ? "" : ", ") + vessel->name;
+  cache_.setPreference(aside + std::string(setAsideVessels), std::move(names));
+  cache_.setPreference(aside + std::string(setAsideSince), formatTimestamp(now()));
+  const auto promise = std::make_shared<QPromise<bool>>();
+  QFuture<bool> future = promise->future();
+  promise->start();
+  cache_.setAside(user, aside, setAsidePrefix(user, account), {fleetAccountKey(user), account},
+                  [promise](const auto& moved) {
+                    if (!moved)
+                      qCWarning(storeLog, "❌ the fleet could not be set aside: %s", moved.error().message.c_str());
+                    promise->addResult(moved.has_value());
+                    promise->finish();
+                  });
+  const bool moved = co_await future;
+  if (prefix_ != aside) co_return false;  // another fleet has been opened meanwhile
+  if (!moved) {
+    prefix_ = user;
+    co_return false;
+  }
+  qCInfo(storeLog, "📦 fleet of the former account kept as %s", aside.c_str());
+  // Kept before the fleet is read, which takes the account from it.
+  cache_.setPreference(accountKey(user), account);
+  co_await reloadForUser(user);
+  co_return prefix_ == user;
+}
+
 void AppViewModel::setMembership(std::optional<AccountMember> member) {
   if (member == membership_) return;
   membership_ = std::move(member);
@@ -87,18 +133,21 @@ void AppViewModel::setAccessRefusal(std::string reason) {
 }
 
 ModuleRights AppViewModel::rights(std::optional<AppTabPermissionKey> module) const {
-  if (prefix_.empty() || staysOnThisComputer()) return {.read = true, .write = true};
-  if (!membership_) return {.read = true, .write = accessRefusal_.empty()};
-  const auto of = [&](const AccountMember& member) {
-    return module ? rightsOf(member, *module) : commonRightsOf(member);
-  };
-  if (accessRefusal_.empty()) return of(*membership_);
-  AccountMember before = *membership_;
-  before.isActive = true;
-  return {.read = of(before).read, .write = false};
+  const bool closed = isSetAside() || !accessRefusal_.empty();
+  ModuleRights given{.read = true, .write = true};
+  if (membership_) {
+    // What he may read he may go on reading here, also when his access has been switched off.
+    AccountMember member = *membership_;
+    member.isActive = member.isActive || closed;
+    given = module ? rightsOf(member, *module) : commonRightsOf(member);
+  }
+  if (closed) given.write = false;
+  return given;
 }
 
 std::string AppViewModel::refusalOf(const Edit& edit) const {
+  if (isSetAside())
+    return "This fleet belongs to an account that you have left. It can be read here; nothing was changed.";
   if (staysOnThisComputer()) return {};
   if (!accessRefusal_.empty()) return accessRefusal_ + " Nothing was changed.";
   for (const RecordChange& change : edit.changes) {

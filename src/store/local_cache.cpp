@@ -38,6 +38,15 @@ std::map<std::pair<std::string, std::string>, Revision> sentMarks(SQLite::Databa
   return marks;
 }
 
+void savePreference(SQLite::Database& database, const std::string& key, const std::optional<std::string>& value) {
+  Statement statement(database, value ? "INSERT INTO preference(key, value) VALUES(?1, ?2)"
+                                        " ON CONFLICT(key) DO UPDATE SET value = excluded.value"
+                                      : "DELETE FROM preference WHERE key = ?1");
+  statement.bind(1, key);
+  if (value) statement.bind(2, *value);
+  statement.exec();
+}
+
 }  // namespace
 
 class LocalCache::Impl {
@@ -68,14 +77,7 @@ class LocalCache::Impl {
             const std::lock_guard lock(preferencesMutex);
             *written = unsaved;
           }
-          for (const auto& [key, value] : *written) {
-            Statement statement(database, value ? "INSERT INTO preference(key, value) VALUES(?1, ?2)"
-                                                  " ON CONFLICT(key) DO UPDATE SET value = excluded.value"
-                                                : "DELETE FROM preference WHERE key = ?1");
-            statement.bind(1, key);
-            if (value) statement.bind(2, *value);
-            statement.exec();
-          }
+          for (const auto& [key, value] : *written) savePreference(database, key, value);
           return Revision{0};
         },
         [this, written](const std::expected<Revision, CacheError>& result) {
@@ -210,6 +212,36 @@ void LocalCache::replaceAll(std::string prefix, std::map<std::string, std::vecto
         return lastRevision(database);
       },
       std::move(done));
+}
+
+void LocalCache::setAside(std::string prefix, std::string aside, std::string instead,
+                          std::pair<std::string, std::string> preference, Done done) {
+  impl_->writer.write(
+      [this, prefix = std::move(prefix), aside = std::move(aside), instead = std::move(instead),
+       preference](SQLite::Database& database) {
+        Statement taken(database,
+                        "SELECT 1 FROM segment WHERE prefix = ?1 UNION ALL SELECT 1 FROM journal WHERE prefix = ?1");
+        taken.bind(1, aside);
+        if (taken.executeStep()) throw SQLite::Exception("records are set aside as " + aside + " already");
+        for (const std::string& moved : {prefix, instead}) impl_->writer.leaveOff(moved);
+        for (const auto& [from, to] : {std::pair(prefix, aside), std::pair(instead, prefix)}) {
+          for (const char* table : {"segment", "journal", "sent", "fold"}) {
+            Statement move(database, std::string("UPDATE OR REPLACE ") + table + " SET prefix = ? WHERE prefix = ?");
+            SQLite::bind(move, to, from);
+            move.exec();
+          }
+        }
+        savePreference(database, preference.first, preference.second);
+        return lastRevision(database);
+      },
+      [this, preference, done = std::move(done)](const std::expected<Revision, CacheError>& result) {
+        if (result) {
+          const std::lock_guard lock(impl_->preferencesMutex);
+          impl_->stored.insert_or_assign(preference.first, preference.second);
+          impl_->unsaved.erase(preference.first);
+        }
+        if (done) done(result);
+      });
 }
 
 void LocalCache::keepCorrupt(std::string key, std::string bytes, std::string reason, Done done) {

@@ -121,6 +121,12 @@ class LocalCache {
   /// Each value is a list of records in JSON form.
   void replaceAll(std::string prefix, std::map<std::string, std::vector<std::string>> records, Done done);
 
+  /// Puts everything stored under `prefix` aside under another prefix, and in its place what is stored under `instead`
+  /// (which may be nothing), all in one transaction with the preference. Edits that wait for upload wait on where they
+  /// go. Fails without change when something is stored under `aside`.
+  void setAside(std::string prefix, std::string aside, std::string instead,
+                std::pair<std::string, std::string> preference, Done done);
+
   /// Keeps a copy of bytes that could not be read, so that support can recover them. Equal bytes are kept once.
   void keepCorrupt(std::string key, std::string bytes, std::string reason, Done done = {});
 

@@ -52,6 +52,11 @@ void JournalFold::nextPrefix() {
   prefixes_.pop_back();
 }
 
+void JournalFold::leaveOff(const std::string& prefix) {
+  std::erase(prefixes_, prefix);
+  if (prefix_ == prefix) nextPrefix();
+}
+
 bool JournalFold::step() {
   if (prefix_.empty() && again_) {
     JournalFold next(database_, options_);

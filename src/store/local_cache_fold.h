@@ -48,6 +48,8 @@ class JournalFold {
   bool step();
   /// Begin anew after the end, for edits that came after the beginning.
   void again() { again_ = true; }
+  /// Does no more for this prefix; what was done of it stays right.
+  void leaveOff(const std::string& prefix);
   /// The last revision folded.
   Revision reached() const { return reached_; }
 

@@ -44,6 +44,12 @@ class CacheWriter {
   /// Has the folded rows looked through at the next idle moment, for some may not be needed any more. On the writer
   /// thread only.
   void wantPurge() { purgeWanted_ = true; }
+  /// A fold under way leaves this prefix, which holds other records from now on; a later one takes it up. On the writer
+  /// thread only.
+  void leaveOff(const std::string& prefix) {
+    if (fold_) fold_->leaveOff(prefix);
+    purgeWanted_ = true;
+  }
   void flush();
   const LocalCache::Options& options() const { return options_; }
 

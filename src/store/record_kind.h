@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <variant>
 
+#include "base/date_format.h"
 #include "compliance/account_member.h"
 #include "compliance/crew_board_post.h"
 #include "compliance/crew_member.h"
@@ -129,21 +130,42 @@ std::optional<Uuid> vesselOf(const T& record) {
 /// What a person calls the record: its title or name; empty when it has none.
 template <class T>
 std::string recordName(const T& record) {
-  if constexpr (requires { record.title; }) {
+  // A guest's title is a form of address, so a person's names go first.
+  if constexpr (requires { record.firstName; }) {
+    const bool both = !record.firstName.empty() && !record.lastName.empty();
+    return record.firstName + (both ? " " : "") + record.lastName;
+  } else if constexpr (requires { record.title; }) {
     return record.title;
   } else if constexpr (requires { record.taskTitle; }) {
     return record.taskTitle;
+  } else if constexpr (requires { record.checkTitle; }) {
+    return record.checkTitle;
   } else if constexpr (requires { record.planName; }) {
     return record.planName;
   } else if constexpr (requires { record.component; }) {
     return record.component;
   } else if constexpr (requires { record.serviceName; }) {
     return record.serviceName;
-  } else if constexpr (requires { record.firstName; }) {
-    const bool both = !record.firstName.empty() && !record.lastName.empty();
-    return record.firstName + (both ? " " : "") + record.lastName;
   } else if constexpr (requires { record.name; }) {
     return record.name;
+  } else {
+    return {};
+  }
+}
+
+/// The same, and of a record without a name its day, e.g. "14 Jan 2026": together with the kind a person knows which
+/// one is meant. Empty when it has neither.
+template <class T>
+std::string recordNameOrDay(const T& record, const Calendar& calendar) {
+  std::string name = recordName(record);
+  if (!name.empty()) return name;
+  const auto day = [&](Timestamp time) { return formatDate(calendar.date(time)); };
+  if constexpr (requires { day(record.date); }) {
+    return day(record.date);
+  } else if constexpr (requires { day(record.completedDate); }) {
+    return day(record.completedDate);
+  } else if constexpr (requires { day(record.createdAt); }) {
+    return day(record.createdAt);
   } else {
     return {};
   }

@@ -202,7 +202,6 @@ SBTask<bool> AccountResolver::resolveAccountAndMembership() {
   if (!isStill(user)) co_return false;
   if (own->empty()) {
     log_.say("❌ resolveAccountAndMembership: no membership row after bootstrap/claim");
-    model_.cache().setPreference(AppViewModel::accountKey(user), std::nullopt);
     takeAccounts({});
     model_.setAccountID({});
     model_.setMembership(std::nullopt);
@@ -234,20 +233,36 @@ SBTask<bool> AccountResolver::resolveAccountAndMembership() {
   facts_ = {.plan = row[QStringLiteral("plan")].toString(QStringLiteral("none")).toStdString(),
             .additionalSeats = row[QStringLiteral("additional_seats")].toInteger()};
   LocalCache& cache = model_.cache();
-  cache.setPreference(AppViewModel::accountKey(user), account);
   cache.setPreference(key(kPlan), facts_.plan);
   cache.setPreference(key(kAdditionalSeats), std::to_string(facts_.additionalSeats));
   takeAccounts(*std::move(accounts));
   preferred_.clear();
+  const RunToken token = token_;
+  const std::string former = model_.fleetAccount();
+  if (!co_await enter(account) || token.isOver()) co_return false;
+  cache.setPreference(AppViewModel::accountKey(user), account);
   model_.setAccessRefusal({});
-  model_.setAccountID(account);
   model_.setMembership(membership);
   log_.say("👥 account resolved: " + account + " " + std::to_string(members->size()) + " member(s)");
-  const RunToken token = token_;
   const bool kept = co_await takeMembers(*std::move(members));
   if (token.isOver()) co_return false;
   Q_EMIT changed();
+  const bool left = std::ranges::find(accounts_, former, &OwnAccount::id) == accounts_.end();
+  if (!former.empty() && former != account && left)
+    Q_EMIT fleetSetAside(QString::fromStdString(AppViewModel::setAsidePrefix(user, former)));
   co_return kept;
+}
+
+QCoro::Task<bool> AccountResolver::enter(std::string account) {
+  const RunToken token = token_;
+  const std::string former = model_.fleetAccount();
+  const bool stays = former.empty() || former == account;
+  const bool entered = (stays || co_await whenSaved(&model_, token)) && co_await model_.changeAccount(account);
+  if (token.isOver() || entered) co_return entered;
+  // The fleet that is here is not that account's: nothing is exchanged until the change is on disk.
+  model_.setAccountID({});
+  log_.say("⚠️ the change of the account could not be saved; it is tried again");
+  co_return false;
 }
 
 QCoro::Task<bool> AccountResolver::takeMembers(std::vector<AccountMember> members) {

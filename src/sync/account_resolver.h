@@ -68,8 +68,12 @@ class AccountResolver : public QObject {
 
  Q_SIGNALS:
   void changed();
+  /// The user is no member of his former account any more; its fleet is kept under this prefix.
+  void fleetSetAside(const QString& prefix);
 
  private:
+  /// Has the store turn to this account's fleet; false when that could not be put on disk.
+  QCoro::Task<bool> enter(std::string account);
   /// The account that the user gets by an invitation, or else one of his own.
   SBTask<std::string> claimOrBootstrap();
   SBTask<std::vector<AccountMember>> readMembers(TableQuery query);

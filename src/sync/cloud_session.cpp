@@ -3,6 +3,7 @@
 #include <QCoroFuture>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTimer>
 #include <algorithm>
 
 #include "store/list_loader.h"
@@ -32,6 +33,13 @@ CloudSession::CloudSession(AppViewModel& model, BackendConfig config, const Cloc
       files_(std::make_unique<FileSync>(model, *client_, log_, clock, timing)) {
   model_.setSyncTrigger(sync_.get());
   connect(sync_.get(), &SyncManager::exchanged, files_.get(), &FileSync::goOn);
+  connect(resolver_.get(), &AccountResolver::fleetSetAside, this, [this](const QString& prefix) {
+    setAside_ = prefix;
+    log_.say("📦 no member any more; the fleet of the former account is kept as " + prefix.toStdString());
+    Q_EMIT fleetSetAside(prefix);
+    // The run that found it ended with the former fleet.
+    QTimer::singleShot(0, sync_.get(), &SyncManager::fullSync);
+  });
   connect(client_.get(), &SupabaseClient::sessionExpired, this, [this](const QString& why) {
     model_.setAuthenticated(false);
     Q_EMIT changed();
@@ -173,7 +181,7 @@ QString CloudSession::seatsText() const {
   return count + QStringLiteral("seats used on your %1 plan").arg(text(planName(facts.plan)));
 }
 
-QCoro::Task<CloudSession::Done> CloudSession::invite(QString email, QString name, TeamRole role) {
+QCoro::Task<CloudSession::Done> CloudSession::inviteTeamMember(QString email, QString name, TeamRole role) {
   const auto alive = alive_;
   const int seats = resolver_->facts().seats();
   if (seesTeam() && seatsUsed() >= seats)

@@ -54,6 +54,9 @@ class CloudSession : public QObject {
 
   // ---- the team. All of it needs a connection. The errors are for the user.
   using Done = std::expected<void, QString>;
+  /// The prefix of the fleet that was set aside since the program began, because its user is no member any more of the
+  /// account; empty: none was.
+  const QString& setAsideFleet() const { return setAside_; }
   /// Asks for the account and its members now.
   QCoro::Task<bool> refreshAccount();
   /// Opens another of the user's accounts (`AccountResolver::accounts`) and fetches its records. Refuses while changes
@@ -62,7 +65,7 @@ class CloudSession : public QObject {
   /// How many of the seats are used, e.g. "3 of 10 seats used on your Fleet plan"; empty for who does not see them all.
   QString seatsText() const;
   int seatsUsed() const;
-  QCoro::Task<Done> invite(QString email, QString name, TeamRole role);
+  QCoro::Task<Done> inviteTeamMember(QString email, QString name, TeamRole role);
   /// Writes the name, role, active flag and exceptions of a member.
   QCoro::Task<Done> updateMember(AccountMember member);
   QCoro::Task<Done> removeMember(Uuid id);
@@ -78,6 +81,8 @@ class CloudSession : public QObject {
   void sessionExpired(const QString& text);
   /// The user has to choose a new password before anything else.
   void passwordChangeRequired();
+  /// The user has left an account, or was removed from it; its fleet is kept under this prefix, to be read.
+  void fleetSetAside(const QString& prefix);
 
  private:
   QCoro::Task<void> opened(bool passwordChangeRequired);
@@ -87,6 +92,7 @@ class CloudSession : public QObject {
   AppViewModel& model_;
   SessionStore tokens_;
   SyncLog log_;
+  QString setAside_;
   std::unique_ptr<SupabaseClient> client_;
   std::unique_ptr<AccountResolver> resolver_;
   std::unique_ptr<SyncManager> sync_;

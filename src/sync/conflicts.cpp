@@ -49,36 +49,30 @@ void copyPath(const T& from, T& to, std::string_view path) {
   });
 }
 
+/// A value as a person compares it; times by the computer's clock.
 template <class V>
-std::string shown(const V& /*a value without a short text*/) {
-  return "…";
-}
-template <class V>
-std::string shown(const std::optional<V>& value);
-template <class V>
-std::string shown(const std::vector<V>& value);
-std::string shown(const std::string& value) { return value; }
-std::string shown(bool value) { return value ? "yes" : "no"; }
-std::string shown(double value) { return fmt::format("{}", value); }
-std::string shown(std::int64_t value) { return std::to_string(value); }
-std::string shown(Timestamp value) { return formatTimestamp(value); }
-std::string shown(const Uuid& value) { return value.toString(); }
-template <class E>
-std::string shown(const Choice<E>& value) {
-  return std::string(value.display());
-}
-template <class V>
-std::string shown(const std::optional<V>& value) {
-  return value ? shown(*value) : std::string();
-}
-template <class V>
-std::string shown(const std::vector<V>& value) {
+std::string shown(const V& value, const Calendar& calendar) {
   if constexpr (std::is_same_v<V, std::string>) {
+    return value;
+  } else if constexpr (std::is_same_v<V, bool>) {
+    return value ? "yes" : "no";
+  } else if constexpr (std::is_arithmetic_v<V>) {
+    return fmt::format("{}", value);
+  } else if constexpr (std::is_same_v<V, Timestamp>) {
+    return formatDateTime(calendar.local(value));
+  } else if constexpr (requires { value.display(); }) {
+    return std::string(value.display());
+  } else if constexpr (requires { value.has_value(); }) {
+    return value ? shown(*value, calendar) : std::string();
+  } else if constexpr (std::is_same_v<V, std::vector<std::string>>) {
     return fmt::format("{}", fmt::join(value, ", "));
+  } else if constexpr (merge_detail::isVector<V>) {
+    return value.size() == 1 ? "1 entry" : fmt::format("{} entries", value.size());
   } else {
-    return fmt::format("{} entries", value.size());
+    return "…";
   }
 }
+
 template <class T>
 std::string label(std::string_view field) {
   if constexpr (HasFacts<T>) {
@@ -88,7 +82,8 @@ std::string label(std::string_view field) {
 }
 
 template <class T>
-std::vector<ConflictLine> linesOf(const T* current, const T& other, const ConflictNote& note) {
+std::vector<ConflictLine> linesOf(const T* current, const T& other, const ConflictNote& note,
+                                  const Calendar& calendar) {
   std::vector<ConflictLine> lines;
   boost::mp11::mp_for_each<FieldList<T>>([&](auto field) {
     if (!std::ranges::any_of(note.fields, [&](const std::string& path) { return upToSlash(path) == field.name; }))
@@ -100,8 +95,8 @@ std::vector<ConflictLine> linesOf(const T* current, const T& other, const Confli
         return;
       }
     }
-    lines.push_back(
-        {label<T>(field.name), current ? shown(current->*field.pointer) : std::string(), shown(other.*field.pointer)});
+    lines.push_back({label<T>(field.name), current ? shown(current->*field.pointer, calendar) : std::string(),
+                     shown(other.*field.pointer, calendar)});
   });
   return lines;
 }
@@ -119,13 +114,20 @@ void visitOther(const ConflictNote& note, Visitor visit) {
 
 std::vector<ConflictLine> conflictLines(const AppViewModel& model, const ConflictNote& note) {
   std::vector<ConflictLine> lines;
-  visitOther(note,
-             [&]<class T>(const T& other) { lines = linesOf(model.collection<T>().find(note.recordID), other, note); });
+  visitOther(note, [&]<class T>(const T& other) {
+    lines = linesOf(model.collection<T>().find(note.recordID), other, note, model.calendar());
+  });
   return lines;
 }
 
+std::string nameOf(const AppViewModel& model, const ConflictNote& note) {
+  std::string name = note.recordName;
+  if (name.empty()) visitOther(note, [&]<class T>(const T& other) { name = recordNameOrDay(other, model.calendar()); });
+  return name;
+}
+
 std::expected<Edit, std::string> takeBack(const AppViewModel& model, const ConflictNote& note) {
-  Edit edit{.label = "“" + note.recordName + "” taken back", .changes = {}, .takesBack = true};
+  Edit edit{.label = "“" + nameOf(model, note) + "” taken back", .changes = {}, .takesBack = true};
   visitOther(note, [&]<class T>(const T& other) {
     const T* current = model.collection<T>().find(note.recordID);
     if (current) {

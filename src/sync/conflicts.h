@@ -38,6 +38,9 @@ ConflictNote deletionNote(const T& edited, const MergeSide& editor, const MergeS
   return note;
 }
 
+/// What a person knows the record by: its name, else its day; empty when it has neither.
+std::string nameOf(const AppViewModel& model, const ConflictNote& note);
+
 /// One field of a conflict as a person compares it.
 struct ConflictLine {
   std::string field;  ///< label

@@ -89,6 +89,11 @@ FileSync::FileSync(AppViewModel& model, SupabaseClient& client, SyncLog& log, co
   connect(&model_, &AppViewModel::edited, this, &FileSync::onEdited);
   connect(queue_.get(), &FileTransferQueue::changed, this, &FileSync::changed);
   connect(&model_, &AppViewModel::prefixChanged, this, &FileSync::changed);
+  queue_->setAccount(qt(model_.accountID()));
+  connect(&model_, &AppViewModel::accountIDChanged, this, [this] {
+    queue_->setAccount(qt(model_.accountID()));
+    Q_EMIT changed();
+  });
   connect(queue_.get(), &FileTransferQueue::done, this,
           [this](const FileTransfer& transfer) { log_.say(doneLine(transfer)); });
   connect(queue_.get(), &FileTransferQueue::failed, this,
@@ -151,20 +156,22 @@ void FileSync::queueUnsent() {
 
 std::vector<FileTransfer> FileSync::transfers() const {
   std::vector<FileTransfer> own = queue_->transfers();
-  std::erase_if(own, [this](const FileTransfer& transfer) { return transfer.userID != model_.prefix(); });
+  std::erase_if(own, [this](const FileTransfer& transfer) { return !isOwn(transfer); });
   return own;
 }
 
+bool FileSync::isOwn(const FileTransfer& transfer) const {
+  return transfer.userID == model_.prefix() && transfer.accountID == model_.accountID();
+}
+
 int FileSync::waitingCount() const {
-  return static_cast<int>(std::ranges::count_if(queue_->transfers(), [this](const FileTransfer& transfer) {
-    return !transfer.isParked && transfer.userID == model_.prefix();
-  }));
+  return static_cast<int>(std::ranges::count_if(
+      queue_->transfers(), [this](const FileTransfer& transfer) { return !transfer.isParked && isOwn(transfer); }));
 }
 
 int FileSync::failedCount() const {
-  return static_cast<int>(std::ranges::count_if(queue_->transfers(), [this](const FileTransfer& transfer) {
-    return transfer.isParked && transfer.userID == model_.prefix();
-  }));
+  return static_cast<int>(std::ranges::count_if(
+      queue_->transfers(), [this](const FileTransfer& transfer) { return transfer.isParked && isOwn(transfer); }));
 }
 
 void FileSync::noteDocument(const RecordChange& change) const {

@@ -65,6 +65,8 @@ class FileSync : public QObject {
   void changed();
 
  private:
+  /// Whether it belongs to the fleet that is open.
+  bool isOwn(const FileTransfer& transfer) const;
   void onEdited(const Edit& edit);
   void noteDocument(const RecordChange& change) const;
   bool queueUpload(const NamedFile& file, const std::filesystem::path& local);

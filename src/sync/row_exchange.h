@@ -275,7 +275,7 @@ SBTask<void> settleAbsent(SyncRunPtr run, RunToken token, std::vector<Uuid> abse
     if (!ours.current) continue;
     const auto tombstone = tombstones->find(ours.id);
     if (tombstone == tombstones->end()) {
-      run->problems.push_back({std::string(table<T>()), recordName(*ours.current),
+      run->problems.push_back({std::string(table<T>()), recordNameOrDay(*ours.current, run->model.calendar()),
                                "The server did not keep this record. It stays here and is sent again."});
     } else if (ours.revived && (!ours.base || tombstone->second.by == run->userID)) {
       revived.push_back(ours.id);
@@ -298,7 +298,7 @@ std::string nameOf(const SyncRun& run, const Uuid& id) {
   if constexpr (std::is_same_v<T, VesselProfile>) {
     if (const Vessel* vessel = record ? run.model.vessels().find(record->vesselID) : nullptr) return vessel->name;
   }
-  return record ? recordName(*record) : std::string();
+  return record ? recordNameOrDay(*record, run.model.calendar()) : std::string();
 }
 
 /// Whether the user may change records of this kind; when not, that is told.
@@ -369,8 +369,8 @@ void passOverUnreadable(const SyncRunPtr& run, const Unsent<T>& ours, std::unord
   refusedRows->insert(ours.id);
   run->problems.push_back(
       {std::string(table<T>()),
-       ours.current ? recordName(*ours.current)
-       : ours.base  ? recordName(*ours.base)
+       ours.current ? recordNameOrDay(*ours.current, run->model.calendar())
+       : ours.base  ? recordNameOrDay(*ours.base, run->model.calendar())
                     : std::string(),
        "A newer program wrote what this one cannot read; update this program to send your change."});
 }

@@ -18,7 +18,7 @@ namespace thalvorn {
 /// Why a table or one of its records could not be synchronised, for the sync panel.
 struct SyncProblem {
   std::string table;
-  std::string record;  ///< its name; empty when the whole table is meant
+  std::string record;  ///< its name, else its day; empty when the whole table is meant
   std::string text;
   friend bool operator==(const SyncProblem&, const SyncProblem&) = default;
 };

@@ -209,7 +209,7 @@ SBTask<std::vector<Uuid>> deleteBatch(SyncRunPtr run, RunToken token, std::vecto
     const SBError& error = removed.error();
     if constexpr (std::is_same_v<T, YardPeriod>) run->log.say("❌ Yard delete: " + error.logLine().toStdString());
     if (!isRefusal(error)) co_return std::unexpected(error);
-    note(*run, table<T>(), recordName(row->second.record), error);
+    note(*run, table<T>(), recordNameOrDay(row->second.record, run->model.calendar()), error);
     refusedRows.insert(ours.id);
   }
 
@@ -278,7 +278,8 @@ SBTask<void> uploadDeletions(SyncRunPtr run, RunToken token) {
       batch = *left;
     }
     for (const Unsent<T>& kept : stillWaiting<T>(*run, batch))
-      run->problems.push_back({std::string(table<T>()), kept.base ? recordName(*kept.base) : std::string(),
+      run->problems.push_back({std::string(table<T>()),
+                               kept.base ? recordNameOrDay(*kept.base, run->model.calendar()) : std::string(),
                                "The server did not delete this record; it is asked again."});
   }
   co_return {};

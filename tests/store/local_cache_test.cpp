@@ -49,6 +49,49 @@ TEST(LocalCache, KeepsEditsInOrderOverRestartsAndFolds) {
   EXPECT_THAT(cache->prefixes(), ElementsAre("user"));
 }
 
+TEST(LocalCache, SetsWhatIsUnderAPrefixAsideAlsoWhileItIsFolded) {
+  const ScratchFolder folder;
+  const auto file = folder / "store.db";
+  const auto move = [](LocalCache& cache, const std::string& aside, const std::string& instead) {
+    return awaited([&](const auto& done) { cache.setAside("user", aside, instead, {"whose", instead}, done); });
+  };
+  const auto expectFirst = [](const LocalCache& cache, const std::string& prefix) {
+    EXPECT_THAT(entryOf(cache, prefix), SizeIs(201));
+    const StoredState state = cache.load(prefix).value();
+    std::size_t waiting = 0;
+    for (const auto* edits : {&state.unsent, &state.journal})
+      for (const JournalEntry& edit : *edits)
+        waiting += static_cast<std::size_t>(std::ranges::count(edit.changes, false, &EntryChange::sent));
+    EXPECT_EQ(waiting, 101U) << "what had not been sent waits on";
+  };
+  {
+    const auto cache = opened(file);
+    for (std::uint32_t n = 0; n < 200; ++n) mustAppend(*cache, {added(n, std::string(200, 'x'))});
+    std::vector<SentRecord> sent;
+    for (std::uint32_t n = 0; n < 100; ++n) sent.push_back({"_tasks", numbered(n), 200});
+    ASSERT_TRUE(awaited([&](const auto& done) { cache->markSent("user", sent, done); }));
+    cache->foldNow({});
+    ASSERT_TRUE(move(*cache, "user@a", "user@b"));
+    EXPECT_THAT(entryOf(*cache), IsEmpty());
+    EXPECT_EQ(cache->preference("whose"), "user@b");
+    mustAppend(*cache, {added(1, "Another fleet's")});
+    mustAppend(*cache, {added(300, "One more")}, "user@a");
+    ASSERT_TRUE(fold(*cache));
+    expectFirst(*cache, "user@a");
+    EXPECT_FALSE(move(*cache, "user@a", "user@b")) << "nothing is written over";
+    EXPECT_THAT(entryOf(*cache), ElementsAre(record(1, "Another fleet's")));
+  }
+  const auto cache = opened(file);
+  EXPECT_EQ(cache->preference("whose"), "user@b");
+  cache->foldNow({});
+  ASSERT_TRUE(move(*cache, "user@b", "user@a"));
+  ASSERT_TRUE(fold(*cache));
+  expectFirst(*cache, "user");
+  EXPECT_THAT(entryOf(*cache, "user@b"), ElementsAre(record(1, "Another fleet's")));
+  EXPECT_TRUE(cache->check().sound);
+  EXPECT_THAT(cache->prefixes(), ElementsAre("user", "user@b"));
+}
+
 TEST(LocalCache, PreferencesAreSeenAtOnceAndAfterARestart) {
   const ScratchFolder folder;
   {

@@ -21,7 +21,7 @@ class Accounts : public ::testing::Test {
   /// A member of the captain's account, on a computer of his own.
   bool join(Computer& mate, TeamRole role) {
     mate.email = QStringLiteral("mate-%1@example.com").arg(QString::fromStdString(Uuid::random().toString()));
-    return finished(captain.cloud->invite(mate.email, QStringLiteral("Mate"), role)) &&
+    return finished(captain.cloud->inviteTeamMember(mate.email, QStringLiteral("Mate"), role)) &&
            finished(mate.cloud->signUp(mate.email, Computer::kPassword)) && mate.sync() == SyncOutcome::complete &&
            mate.model->accountID() == account();
   }
@@ -93,7 +93,7 @@ TEST_F(Accounts, OfOthersAreJoinedBesideOnesOwnAndChangedBetween) {
   Computer mate;
   ASSERT_TRUE(mate.signUp("mate"));
   const std::string own = mate.model->accountID();
-  ASSERT_TRUE(finished(captain.cloud->invite(mate.email, QStringLiteral("Mate"), TeamRole::admin)));
+  ASSERT_TRUE(finished(captain.cloud->inviteTeamMember(mate.email, QStringLiteral("Mate"), TeamRole::admin)));
   ASSERT_TRUE(mate.add(Vessel{.id = Uuid::random(), .name = "Dinghy"}));
   ASSERT_EQ(mate.sync(), SyncOutcome::complete) << mate.problems();
   ASSERT_TRUE(signInAgain(mate));
@@ -102,8 +102,8 @@ TEST_F(Accounts, OfOthersAreJoinedBesideOnesOwnAndChangedBetween) {
   EXPECT_EQ(mate.cloud->account().accounts().front().id, own) << "his own stands first";
 
   // He invites into the account in view, whose seats count, and not into his own, which has none left.
-  const auto invited = finished(
-      mate.cloud->invite(QStringLiteral("deckhand@example.com"), QStringLiteral("Deckhand"), TeamRole::viewOnly));
+  const auto invited = finished(mate.cloud->inviteTeamMember(QStringLiteral("deckhand@example.com"),
+                                                             QStringLiteral("Deckhand"), TeamRole::viewOnly));
   EXPECT_TRUE(invited) << invited.error().toStdString();
   ASSERT_TRUE(finished(captain.cloud->refreshAccount()));
   EXPECT_EQ(captain.model->accountMembers().size(), 3U);
@@ -130,8 +130,8 @@ TEST_F(Accounts, TellTheirSeatsToWhoSeesTheTeam) {
   EXPECT_EQ(captain.cloud->seatsText(), QStringLiteral("2 of 10 seats used on your Fleet plan"));
   // What this computer knows is old: the server counts.
   ASSERT_TRUE(sharedBackend().setPlan(account(), "none"));
-  const auto invited = finished(
-      captain.cloud->invite(QStringLiteral("deckhand@example.com"), QStringLiteral("Deckhand"), TeamRole::viewOnly));
+  const auto invited = finished(captain.cloud->inviteTeamMember(QStringLiteral("deckhand@example.com"),
+                                                                QStringLiteral("Deckhand"), TeamRole::viewOnly));
   ASSERT_FALSE(invited);
   EXPECT_EQ(invited.error(), QStringLiteral("2 of 1 seats on your plan. Add a seat to invite another user."));
 }

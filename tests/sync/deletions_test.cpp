@@ -18,7 +18,8 @@ class Deletions : public testing::Test {
     ASSERT_TRUE(captain.signUp());
     ASSERT_TRUE(backend.setPlan(captain.model->accountID(), "fleet"));
     ASSERT_TRUE(finished(captain.cloud->refreshAccount()));
-    ASSERT_TRUE(finished(captain.cloud->invite(engineer.email, QStringLiteral("Engineer"), TeamRole::editor)));
+    ASSERT_TRUE(
+        finished(captain.cloud->inviteTeamMember(engineer.email, QStringLiteral("Engineer"), TeamRole::editor)));
     ASSERT_TRUE(engineer.signUp());
     ASSERT_TRUE(finished(stored(captain.model->add(vessel))));
     ASSERT_TRUE(finished(stored(captain.model->add(task))));

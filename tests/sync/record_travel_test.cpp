@@ -102,7 +102,7 @@ TEST(Records, ArePostsAcknowledgedByEachForHimself) {
   ASSERT_TRUE(finished(captain.cloud->refreshAccount()));
   Computer guest;
   guest.email = QStringLiteral("guest-%1@example.com").arg(captain.cloud->userID());
-  ASSERT_TRUE(finished(captain.cloud->invite(guest.email, QStringLiteral("Guest"), TeamRole::viewOnly)));
+  ASSERT_TRUE(finished(captain.cloud->inviteTeamMember(guest.email, QStringLiteral("Guest"), TeamRole::viewOnly)));
   ASSERT_TRUE(finished(guest.cloud->signUp(guest.email, Computer::kPassword)));
   ASSERT_EQ(guest.model->accountID(), captain.model->accountID());
   const std::string captainID = captain.cloud->userID().toStdString();

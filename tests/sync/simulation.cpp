@@ -132,8 +132,8 @@ bool Simulation::enter() {
     clients_.push_back(
         std::make_unique<SimulatedClient>(backend_, address(who), std::chrono::seconds(number(600) - 300), random_()));
     clients_.back()->name = who;
-    if (clients_.size() == 2 &&
-        !finished(clients_[0]->cloud->invite(clients_[1]->email, QStringLiteral("Engineer"), TeamRole::editor)))
+    if (clients_.size() == 2 && !finished(clients_[0]->cloud->inviteTeamMember(
+                                    clients_[1]->email, QStringLiteral("Engineer"), TeamRole::editor)))
       return false;
     if (!clients_.back()->signUp()) return false;
     // Seats are bought, which a test does in the database's stead.

@@ -106,8 +106,8 @@ TEST(SyncRuns, AskAgainForMembersThatCouldNotBeSaved) {
   ASSERT_EQ(captain.sync(), SyncOutcome::complete);
   Computer second;
   ASSERT_TRUE(second.signIn(captain.email, Computer::kPassword));
-  ASSERT_TRUE(
-      finished(captain.cloud->invite(QStringLiteral("mate@example.com"), QStringLiteral("Mate"), TeamRole::editor)));
+  ASSERT_TRUE(finished(
+      captain.cloud->inviteTeamMember(QStringLiteral("mate@example.com"), QStringLiteral("Mate"), TeamRole::editor)));
   {
     const FullDisk full(0);
     second.model->add(Vessel{.id = Uuid::random(), .name = "M/Y Meridian"});

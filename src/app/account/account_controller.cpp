@@ -1,7 +1,9 @@
 #include "app/account/account_controller.h"
 
 #include <QRegularExpression>
+#include <algorithm>
 
+#include "app/format.h"
 #include "app/text.h"
 #include "store/preferences.h"
 
@@ -50,6 +52,18 @@ AccountController::AccountController(StoreSession& session, CloudSession* cloud,
     Q_EMIT changed();
     if (ownFleetInView()) Q_EMIT expired();
   });
+  connect(cloud_, &CloudSession::fleetSetAside, this, [this](const QString& prefix) {
+    const QString vessels = vesselsOf(prefix);
+    Q_EMIT changed();
+    Q_EMIT fleetKept(
+        QStringLiteral(
+            "You have left the account that the fleet%1 belongs to, or were removed from it. The fleet stays "
+            "on this computer as it last was here, with what had not been sent: it can be read, printed and "
+            "exported, is not changed any more and goes to nobody. “Account” opens it again. The fleet in "
+            "view is that of the account you are in now.")
+            .arg(vessels.isEmpty() ? QString() : QStringLiteral(" of ") + vessels),
+        prefix);
+  });
   connect(cloud_, &CloudSession::passwordChangeRequired, this, [this] {
     Preferences(session_.cache()).setText(kPasswordDue, cloud_->userID().toStdString());
     app_.post(QStringLiteral("thalvornPromptChangePassword"));
@@ -87,6 +101,49 @@ QString AccountController::name() const {
 }
 
 QString AccountController::refusal() const { return ownFleetInView() ? toQt(model().accessRefusal()) : QString(); }
+
+// ---- fleets of accounts that were left ----
+
+QString AccountController::vesselsOf(const QString& prefix) const {
+  return toQt(
+      session_.cache().preference(prefix.toStdString() + std::string(AppViewModel::setAsideVessels)).value_or(""));
+}
+
+bool AccountController::awayFromOwn() const {
+  return cloud_ && !cloud_->userID().isEmpty() && !model().prefix().empty() && !ownFleetInView();
+}
+
+QVariantList AccountController::keptFleets() const {
+  QVariantList list;
+  if (!cloud_ || cloud_->userID().isEmpty()) return list;
+  const std::string own = AppViewModel::setAsidePrefix(cloud_->userID().toStdString(), {});
+  for (const std::string& prefix : session_.cache().prefixes()) {
+    if (!prefix.starts_with(own)) continue;
+    // One that he can change over to is not left.
+    const auto& accounts = cloud_->account().accounts();
+    if (std::ranges::find(accounts, prefix.substr(own.size()), &OwnAccount::id) != accounts.end()) continue;
+    const QString vessels = vesselsOf(toQt(prefix));
+    const auto since =
+        parseTimestamp(session_.cache().preference(prefix + std::string(AppViewModel::setAsideSince)).value_or(""));
+    list.append(
+        QVariantMap{{QStringLiteral("prefix"), toQt(prefix)},
+                    {QStringLiteral("text"), vessels.isEmpty() ? QStringLiteral("A fleet without vessels") : vessels},
+                    {QStringLiteral("since"), since ? QVariant(Format::toQml(*since)) : QVariant()}});
+  }
+  return list;
+}
+
+void AccountController::openKeptFleet(const QString& prefix) {
+  if (!AppViewModel::isSetAside(prefix.toStdString())) return;
+  app_.setPhase(QStringLiteral("loading"));
+  session_.openFleet(prefix.toStdString());
+}
+
+void AccountController::openOwnFleet() {
+  if (!awayFromOwn()) return;
+  app_.setPhase(QStringLiteral("loading"));
+  QCoro::connect(cloud_->resume(), this, [](bool) {});
+}
 
 // ---- the form ----
 

@@ -3,6 +3,7 @@
 #include <QCoroTask>
 #include <QObject>
 #include <QString>
+#include <QVariant>
 
 #include "app/app_controller.h"
 #include "app/store_session.h"
@@ -20,6 +21,9 @@ class AccountController : public QObject {
   Q_PROPERTY(QString email READ email NOTIFY changed)
   Q_PROPERTY(QString name READ name NOTIFY changed)
   Q_PROPERTY(QString refusal READ refusal NOTIFY changed)
+  Q_PROPERTY(bool awayFromOwn READ awayFromOwn NOTIFY changed)
+  Q_PROPERTY(bool readsKeptFleet READ readsKeptFleet NOTIFY changed)
+  Q_PROPERTY(QVariantList keptFleets READ keptFleets NOTIFY changed)
   Q_PROPERTY(QString step READ step WRITE setStep NOTIFY stepChanged)
   Q_PROPERTY(QString notice READ notice NOTIFY formChanged)
   Q_PROPERTY(QString work READ work NOTIFY formChanged)
@@ -48,6 +52,12 @@ class AccountController : public QObject {
 
   /// Why the server lets the user no longer into his account, in its words; empty while it does.
   QString refusal() const;
+  /// A user is known on this computer, and another fleet than his is in view.
+  bool awayFromOwn() const;
+  /// The fleet in view is that of an account that the user has left: it can be read only.
+  bool readsKeptFleet() const { return model().isSetAside(); }
+  /// The fleets of accounts that the user has left, as they last were on this computer: {prefix, text, since}.
+  QVariantList keptFleets() const;
 
   /// What the welcome page asks for: "choice", "signIn", "signUp" or "forgot".
   QString step() const { return step_; }
@@ -82,6 +92,10 @@ class AccountController : public QObject {
   /// Ends the session, or leaves the fleet of this computer, and shows the welcome page.
   Q_INVOKABLE void signOut();
 
+  /// Opens one of `keptFleets` to be read, and the user's own fleet again.
+  Q_INVOKABLE void openKeptFleet(const QString& prefix);
+  Q_INVOKABLE void openOwnFleet();
+
   /// The fleet in view may not be shown before the user has signed in again or chosen to work offline.
   bool mustSignIn() const;
   /// Takes up the session of the user whose fleet has just been opened, in the background.
@@ -96,6 +110,9 @@ class AccountController : public QObject {
   /// The session has ended while the user was at work; the window calls `showSignIn` when nothing is being typed.
   void expired();
   void passwordChanged();
+  /// The user is no member any more of the account whose fleet was in view. `text` tells what became of it; `prefix`
+  /// opens it.
+  void fleetKept(const QString& text, const QString& prefix);
   /// `text` says what would wait until the next sign-in.
   void signOutQuestion(const QString& text);
 
@@ -104,6 +121,8 @@ class AccountController : public QObject {
 
   AppViewModel& model() const { return session_.model(); }
   bool ownFleetInView() const;
+  /// The vessels of a fleet that was set aside, by name.
+  QString vesselsOf(const QString& prefix) const;
   bool begin(const QString& work);
   void end();
   void fail(const SBError& error, Field otherwise = Field::none);

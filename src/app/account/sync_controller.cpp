@@ -233,7 +233,7 @@ void SyncController::readDetails() {
                                  {QStringLiteral("other"), toQt(line.other)}});
       }
       conflicts_.append(QVariantMap{{QStringLiteral("id"), toQt(note->id.toString())},
-                                    {QStringLiteral("name"), toQt(note->recordName)},
+                                    {QStringLiteral("name"), toQt(nameOf(model_, *note))},
                                     {QStringLiteral("kind"), nameOfTable(note->tableName, true)},
                                     {QStringLiteral("deleted"), note->deleted},
                                     {QStringLiteral("kept"), who(note->keptBy)},
@@ -303,7 +303,7 @@ void SyncController::settle(Edit edit, const QString& told) {
 void SyncController::takeBack(const QString& id) {
   const ConflictNote* note = find(id);
   if (!note) return;
-  const QString name = toQt(note->recordName);
+  const QString name = toQt(nameOf(model_, *note));
   auto edit = thalvorn::takeBack(model_, *note);
   if (!edit) {
     app_.toast(toQt(edit.error()), QStringLiteral("overdue"));
@@ -317,9 +317,10 @@ void SyncController::keep(const QString& id) {
   if (!note) return;
   ConflictNote settled = *note;
   settled.settled = true;
-  Edit edit{.label = "Conflict over “" + note->recordName + "” settled"};
+  const std::string name = nameOf(model_, *note);
+  Edit edit{.label = "Conflict over “" + name + "” settled"};
   edit.replace(*note, std::move(settled));
-  settle(std::move(edit), QStringLiteral("“%1” stays as it is.").arg(toQt(note->recordName)));
+  settle(std::move(edit), QStringLiteral("“%1” stays as it is.").arg(toQt(name)));
 }
 
 }  // namespace thalvorn::app

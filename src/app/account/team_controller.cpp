@@ -211,7 +211,8 @@ void TeamController::invite(const QString& email, const QString& name, const QSt
   const auto chosen = caseFromRaw<TeamRole>(role.toStdString());
   if (!chosen || !begin()) return;
   QCoro::connect(
-      cloud_->invite(address, name.trimmed(), *chosen), this, [this, address](const CloudSession::Done& invited) {
+      cloud_->inviteTeamMember(address, name.trimmed(), *chosen), this,
+      [this, address](const CloudSession::Done& invited) {
         settle(invited, QStringLiteral("%1 is invited, and joins by signing in or up with this address.").arg(address));
       });
 }

@@ -116,6 +116,7 @@ QVariantList Settings::modules() const {
 
 QString Settings::fleetName() const {
   if (store().isDemo()) return QStringLiteral("Demo fleet");
+  if (store().isSetAside()) return QStringLiteral("Fleet of an account you have left");
   if (store().staysOnThisComputer()) return QStringLiteral("Fleet kept on this computer");
   return preferences_.preference(toQt(preference_keys::userEmail));
 }

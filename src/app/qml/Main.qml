@@ -139,6 +139,18 @@ T.ApplicationWindow {
         }
     }
 
+    OnDemand {
+        id: keptDialog
+        sourceComponent: ConfirmDialog {
+            property string prefix
+            title: "You are no longer in this team"
+            confirmText: "Read it now"
+            cancelText: "Close"
+            danger: false
+            onConfirmed: Account.openKeptFleet(prefix)
+        }
+    }
+
     // Back to the sign-in, but not over a form that is being filled in.
     QtObject {
         id: expiry
@@ -158,6 +170,13 @@ T.ApplicationWindow {
         function onExpired() {
             expiry.due = true;
             expiry.go();
+        }
+        function onFleetKept(text, prefix) {
+            sheets.discard();
+            const dialog = keptDialog.made();
+            dialog.text = text;
+            dialog.prefix = prefix;
+            dialog.open();
         }
         function onSignOutQuestion(text) {
             const dialog = signOutDialog.made();

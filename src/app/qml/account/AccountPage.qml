@@ -28,12 +28,14 @@ Page {
         anchors.centerIn: parent
         width: Math.min(520, parent.width)
         icon: "users"
-        title: Fleet.demo ? "The demo fleet belongs to nobody" : "This fleet stays on this computer"
-        text: Account.hasServer ? "Sign in, or create an account, to share a fleet with your crew: everyone works offline, and all changes come together." : Account.serverText
-        actionText: Account.hasServer ? "Sign in" : ""
-        actionIcon: "sign-in"
-        secondText: Account.hasServer ? "Create an account" : ""
-        onAction: Account.showSignIn("signIn")
+        title: Account.readsKeptFleet ? "The fleet of an account you have left" : Fleet.demo ? "The demo fleet belongs to nobody" : "This fleet stays on this computer"
+        text: Account.readsKeptFleet ? "It stays on this computer as it last was here. It can be read, printed and exported; it is not changed any more and goes to nobody."
+            : Account.awayFromOwn ? "You are signed in as " + Account.email + ", whose own fleet is not the one in view."
+            : Account.hasServer ? "Sign in, or create an account, to share a fleet with your crew: everyone works offline, and all changes come together." : Account.serverText
+        actionText: Account.awayFromOwn ? "Back to your fleet" : Account.hasServer ? "Sign in" : ""
+        actionIcon: Account.awayFromOwn ? "arrow-left" : "sign-in"
+        secondText: Account.hasServer && !Account.awayFromOwn ? "Create an account" : ""
+        onAction: Account.awayFromOwn ? Account.openOwnFleet() : Account.showSignIn("signIn")
         onSecond: Account.showSignIn("signUp")
     }
 
@@ -119,6 +121,22 @@ Page {
                             busy: Team.busy
                             enabled: !Team.busy
                             onClicked: adopt.open()
+                        }
+                    }
+                }
+                Card {
+                    visible: Account.keptFleets.length > 0
+                    title: "Fleets of accounts you have left"
+                    note: "· read only"
+                    Layout.fillWidth: true
+                    Repeater {
+                        model: Account.keptFleets
+                        delegate: RowLayout {
+                            required property var modelData
+                            spacing: Theme.space3
+                            Layout.fillWidth: true
+                            Fact { label: modelData.since ? "Left on this computer " + Format.dateTime(modelData.since) : "Left on this computer"; value: modelData.text }
+                            SecondaryButton { text: "Read"; tip: "Open the fleet of " + modelData.text + " to be read"; iconName: "eye"; onClicked: Account.openKeptFleet(modelData.prefix) }
                         }
                     }
                 }

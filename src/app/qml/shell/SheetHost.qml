@@ -14,6 +14,9 @@ Item {
             loader.item.open();
     }
 
+    /// Takes the form away; what was entered stays as its draft.
+    function discard() { loader.source = ""; }
+
     Loader { id: loader }
     Connections {
         target: loader.item

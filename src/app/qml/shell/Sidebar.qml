@@ -54,6 +54,7 @@ Rectangle {
             // The page in view is marked where it can be seen, whichever way it was opened.
             readonly property int shownEntry: model.findIndex((page) => page.id === App.page)
             onShownEntryChanged: Qt.callLater(positionViewAtIndex, shownEntry, ListView.Contain)
+            onHeightChanged: Qt.callLater(positionViewAtIndex, shownEntry, ListView.Contain)
             Keys.onReturnPressed: if (currentItem) currentItem.open()
             Keys.onSpacePressed: if (currentItem) currentItem.open()
             Accessible.role: Accessible.List
@@ -71,7 +72,7 @@ Rectangle {
         }
 
         SyncState {
-            visible: Sync.shown
+            visible: Sync.shown || Account.readsKeptFleet
             narrow: root.narrow
             Layout.fillWidth: true
         }

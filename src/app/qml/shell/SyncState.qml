@@ -7,18 +7,20 @@ Item {
 
     property bool narrow: false
     readonly property bool needsHand: Sync.state === "signIn" || Sync.state === "problem"
-    readonly property string words: Sync.text + (Sync.openConflicts > 0 ? " · " + Sync.openConflicts + (Sync.openConflicts === 1 ? " conflict" : " conflicts") : "")
+    readonly property string words: Account.readsKeptFleet ? "Kept copy, read only" : Sync.text + (Sync.openConflicts > 0 ? " · " + Sync.openConflicts + (Sync.openConflicts === 1 ? " conflict" : " conflicts") : "")
 
     implicitHeight: 34
     activeFocusOnTab: true
     Accessible.role: Accessible.Button
-    Accessible.name: "Sync: " + words
+    Accessible.name: Account.readsKeptFleet ? words : "Sync: " + words
     Accessible.onPressAction: open()
     Keys.onReturnPressed: open()
     Keys.onSpacePressed: open()
 
     function open() {
-        if (Sync.state === "signIn")
+        if (Account.readsKeptFleet)
+            App.open("account");
+        else if (Sync.state === "signIn")
             Account.showSignIn();
         else
             App.open("sync");
@@ -35,7 +37,7 @@ Item {
         anchors.left: parent.left
         anchors.leftMargin: root.narrow ? (parent.width - width) / 2 : 10
         anchors.verticalCenter: parent.verticalCenter
-        name: Sync.state === "syncing" ? "arrows-clockwise" : Sync.state === "current" ? "cloud-check" : Sync.state === "waiting" ? "cloud-arrow-up" : "cloud-slash"
+        name: Account.readsKeptFleet ? "lock-key" : Sync.state === "syncing" ? "arrows-clockwise" : Sync.state === "current" ? "cloud-check" : Sync.state === "waiting" ? "cloud-arrow-up" : "cloud-slash"
         size: 17
         color: root.needsHand ? Theme.sideSoonInk : Theme.sideMute
     }
@@ -52,5 +54,5 @@ Item {
     }
     HoverHandler { id: hover; cursorShape: Qt.PointingHandCursor }
     TapHandler { onTapped: root.open() }
-    HoverTip { text: (root.narrow ? root.words + ". " : "") + Sync.detail }
+    HoverTip { text: Account.readsKeptFleet ? "The fleet of an account you have left" : (root.narrow ? root.words + ". " : "") + Sync.detail }
 }
