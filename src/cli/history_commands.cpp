@@ -23,6 +23,7 @@ bool HistoryQuery::takes(const ServiceLog& log) const {
 }
 
 std::expected<HistoryQuery, CommandResult> historyQuery(const CommandContext& context, const Arguments& arguments) {
+  if (auto refusal = closed<ServiceLog>(*context.store)) return std::unexpected(*std::move(refusal));
   const auto period = readPeriod(context, arguments);
   if (!period) return std::unexpected(period.error());
   HistoryQuery query{.vesselID = {}, .taskID = {}, .from = period->first, .to = period->last};

@@ -43,6 +43,7 @@ bool withKind(std::string_view collection, Visitor&& visit) {
 
 template <class T>
 CommandResult list(const AppViewModel& store, const Arguments& arguments) {
+  if (auto refusal = closed<T>(store)) return *std::move(refusal);
   if (arguments.has("--vessel") && !belongsToVessel<T> && !std::is_same_v<T, Vessel>)
     return misused(fmt::format("The {} belong to no vessel.", RecordKind<T>::facts.plural));
   const auto vessel = vesselOption(store, arguments);

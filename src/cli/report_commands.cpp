@@ -52,6 +52,7 @@ struct ReportKind {
 };
 
 MadeReport workList(const ReportRequest& request) {
+  if (auto refusal = closed<MaintenanceTask>(request.store())) return std::unexpected(*std::move(refusal));
   const auto tasks = request.store().tasks().records();
   const auto logs = request.store().logs().records();
   const auto& [vessel, profile] = request.vessel();
@@ -86,6 +87,7 @@ struct Selected {
 
 template <HasRegister T>
 std::expected<Selected<T>, CommandResult> selected(const ReportRequest& request) {
+  if (auto refusal = closed<T>(request.store())) return std::unexpected(*std::move(refusal));
   auto query = registerQuery<T>(request.context, request.arguments);
   if (!query) return std::unexpected(query.error());
   for (const ReportVessel& one : request.vessels) query->vessels.push_back(one.vessel.id);

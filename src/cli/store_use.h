@@ -2,6 +2,7 @@
 
 #include <QCoroTask>
 #include <expected>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,14 @@ namespace thalvorn::cli {
 
 /// Finishes when the edit is on disk. The error is the refusal to print: the store's own, or why it cannot be saved.
 QCoro::Task<std::expected<void, CommandResult>> whenSaved(CommandContext context, Saving saving);
+
+/// The refusal when the records of a kind are closed to the user, though the computer has them; empty when he may read
+/// them.
+template <class T>
+std::optional<CommandResult> closed(const AppViewModel& store) {
+  if (store.rights(RecordKind<T>::facts.permission).read) return std::nullopt;
+  return refused("The " + std::string(RecordKind<T>::facts.plural) + " are closed to you in this account.");
+}
 
 /// The vessel by id, by name without regard to case, or by the unmistakable beginning of its name.
 std::expected<const Vessel*, std::string> findVessel(const AppViewModel& store, std::string_view nameOrID);

@@ -103,6 +103,7 @@ QCoro::Task<CommandResult> showBoard(CommandContext context, Arguments arguments
   if (!vessel) co_return vessel.error();
   if (*vessel != nullptr) query.vesselID = (*vessel)->id;
 
+  if (auto refusal = closed<MaintenanceTask>(store)) co_return *std::move(refusal);
   Board board{.tasks = tasksOfKind(store, kind), .rows = {}, .counts = {}};
   Fleet fleet(store.vessels().records());
   learnPaces(fleet, store.tasks().records(), store.logs().records(), context.now);
