@@ -205,9 +205,10 @@ void AppViewModel::take(Loaded loaded, const std::string& prefix) {
 
 void AppViewModel::restoreAccount() {
   const bool shared = !prefix_.empty() && !staysOnThisComputer();
-  setAccountID(shared ? cache_.preference(accountKey(prefix_)).value_or(std::string()) : std::string());
   std::optional<AccountMember> own;
   accessRefusal_ = shared ? cache_.preference(accessRefusalKey(prefix_)).value_or(std::string()) : std::string();
+  // The account of the records that are here, also when the program ended in the middle of a change of account.
+  setAccountID(shared && accessRefusal_.empty() ? fleetAccount() : std::string());
   for (const AccountMember& member : accountMembers().records()) {
     if (!member.userId) continue;
     const std::string user = member.userId->toString();

@@ -212,6 +212,7 @@ std::optional<Unsent<T>> AppViewModel::unsent(const Uuid& id) const {
 template <class T>
 Saving AppViewModel::takeFromBackend(std::vector<FromBackend<T>> records, Edit also) {
   if (cache_.isReadOnly()) return refused(cache_.readOnlyReason());
+  if (isSetAside()) return refused("This fleet is kept as it is.");
   if (unsavedEdits_ > 0) return refused("What was entered here is not saved yet.");
   const std::string_view suffix = RecordKind<T>::facts.suffix;
   const std::string side = sideSuffix<T>();

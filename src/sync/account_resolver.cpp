@@ -4,8 +4,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QPromise>
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "backend/row_kind.h"
 #include "sync/table_reader.h"
@@ -157,6 +159,9 @@ void AccountResolver::takeAccounts(std::vector<OwnAccount> accounts) {
 
 void AccountResolver::loseAccess(const std::string& user, std::string reason) {
   log_.say("❌ resolveAccountAndMembership: " + reason);
+  // The fleet that is here stays that of its account, whatever account comes next.
+  if (const std::string former = model_.fleetAccount(); !former.empty())
+    model_.cache().setPreference(AppViewModel::fleetAccountKey(user), former);
   model_.cache().setPreference(AppViewModel::accountKey(user), std::nullopt);
   takeAccounts({});
   model_.setAccessRefusal(std::move(reason));
@@ -172,6 +177,21 @@ bool AccountResolver::isStill(const std::string& user) const {
 }
 
 SBTask<bool> AccountResolver::resolveAccountAndMembership() {
+  // One after the other: what one finds, the next would undo.
+  const RunToken token = token_;
+  QPromise<void> promise;
+  promise.start();
+  const QFuture<void> before = std::exchange(resolving_, promise.future());
+  if (before.isValid() && !before.isFinished()) co_await before;
+  if (token.isOver()) co_return false;
+  Q_EMIT changed();
+  auto resolved = co_await resolveNow();
+  promise.finish();
+  if (!token.isOver()) Q_EMIT changed();
+  co_return resolved;
+}
+
+SBTask<bool> AccountResolver::resolveNow() {
   const std::string user = client_.userID().toStdString();
   const TableQuery ownRow = TableQuery("account_members").eq("user_id", user).eq("is_active", "true");
   std::string preferred = preferred_.empty() ? model_.accountID() : preferred_;
@@ -239,7 +259,12 @@ SBTask<bool> AccountResolver::resolveAccountAndMembership() {
   preferred_.clear();
   const RunToken token = token_;
   const std::string former = model_.fleetAccount();
-  if (!co_await enter(account) || token.isOver()) co_return false;
+  const bool staysMember = std::ranges::find(accounts_, former, &OwnAccount::id) != accounts_.end();
+  if (account != former && staysMember && model_.dirtyCount() + model_.unsavedCount() > 0) {
+    log_.say("⏳ changes wait for the account in view; it is changed once they are sent");
+    co_return true;
+  }
+  if (!co_await enter(user, account) || token.isOver() || !isStill(user)) co_return false;
   cache.setPreference(AppViewModel::accountKey(user), account);
   model_.setAccessRefusal({});
   model_.setMembership(membership);
@@ -253,12 +278,14 @@ SBTask<bool> AccountResolver::resolveAccountAndMembership() {
   co_return kept;
 }
 
-QCoro::Task<bool> AccountResolver::enter(std::string account) {
+QCoro::Task<bool> AccountResolver::enter(std::string user, std::string account) {
   const RunToken token = token_;
   const std::string former = model_.fleetAccount();
   const bool stays = former.empty() || former == account;
-  const bool entered = (stays || co_await whenSaved(&model_, token)) && co_await model_.changeAccount(account);
-  if (token.isOver() || entered) co_return entered;
+  const bool saved = stays || co_await whenSaved(&model_, token);
+  if (token.isOver() || !isStill(user)) co_return false;
+  const bool entered = saved && co_await model_.changeAccount(account);
+  if (token.isOver() || entered || !isStill(user)) co_return entered;
   // The fleet that is here is not that account's: nothing is exchanged until the change is on disk.
   model_.setAccountID({});
   log_.say("⚠️ the change of the account could not be saved; it is tried again");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QFuture>
+
 #include "backend/supabase_client.h"
 #include "store/app_view_model.h"
 #include "sync/run_token.h"
@@ -61,6 +63,8 @@ class AccountResolver : public QObject {
   void expectInvitations() { invitationsDue_ = true; }
   /// Makes the next resolution open this account of the user's, instead of the one in view.
   void prefer(std::string account) { preferred_ = std::move(account); }
+  /// The account is being determined at this moment.
+  bool isResolving() const { return resolving_.isValid() && !resolving_.isFinished(); }
 
   const AccountFacts& facts() const { return facts_; }
   /// The accounts that the user is a member of, his own first, then by name.
@@ -72,8 +76,9 @@ class AccountResolver : public QObject {
   void fleetSetAside(const QString& prefix);
 
  private:
-  /// Has the store turn to this account's fleet; false when that could not be put on disk.
-  QCoro::Task<bool> enter(std::string account);
+  /// Has the store turn to this account's fleet; false when that could not be put on disk, or the user is another by
+  /// then.
+  QCoro::Task<bool> enter(std::string user, std::string account);
   /// The account that the user gets by an invitation, or else one of his own.
   SBTask<std::string> claimOrBootstrap();
   SBTask<std::vector<AccountMember>> readMembers(TableQuery query);
@@ -86,6 +91,7 @@ class AccountResolver : public QObject {
   /// The server tells that the user's access was switched off.
   void loseAccess(const std::string& user, std::string reason);
   bool isStill(const std::string& user) const;
+  SBTask<bool> resolveNow();
   std::unexpected<SBError> failed(const SBError& error);
   std::string key(std::string_view suffix) const;
 
@@ -95,6 +101,7 @@ class AccountResolver : public QObject {
   AccountFacts facts_;
   std::vector<OwnAccount> accounts_;
   std::string preferred_;
+  QFuture<void> resolving_;  ///< the last one that was asked for
   bool invitationsDue_ = false;
   RunToken token_;
 };

@@ -32,7 +32,10 @@ CloudSession::CloudSession(AppViewModel& model, BackendConfig config, const Cloc
       sync_(std::make_unique<SyncManager>(model, *client_, *resolver_, log_, timing, options)),
       files_(std::make_unique<FileSync>(model, *client_, log_, clock, timing)) {
   model_.setSyncTrigger(sync_.get());
-  connect(sync_.get(), &SyncManager::exchanged, files_.get(), &FileSync::goOn);
+  connect(sync_.get(), &SyncManager::exchanged, files_.get(), [this] {
+    if (sync_->problems().empty()) files_->deleteTakenOut();
+    files_->goOn();
+  });
   connect(resolver_.get(), &AccountResolver::fleetSetAside, this, [this](const QString& prefix) {
     setAside_ = prefix;
     log_.say("📦 no member any more; the fleet of the former account is kept as " + prefix.toStdString());
@@ -153,13 +156,17 @@ QCoro::Task<bool> CloudSession::refreshAccount() {
 QCoro::Task<CloudSession::Done> CloudSession::openAccount(std::string account) {
   const auto alive = alive_;
   if (account == model_.accountID()) co_return {};
-  if (model_.dirtyCount() + model_.unsavedCount() > 0)
-    co_return std::unexpected(
-        QStringLiteral("Changes made here wait to be sent to the account in view. Sync first, then change over."));
+  const auto waits = [this] {
+    return model_.dirtyCount() + model_.unsavedCount() + files_->waitingCount() + files_->failedCount() > 0;
+  };
+  const QString first =
+      QStringLiteral("Changes made here wait to be sent to the account in view. Sync first, then change over.");
+  if (waits()) co_return std::unexpected(first);
   resolver_->prefer(account);
   const auto resolved = co_await resolver_->resolveAccountAndMembership();
   if (!*alive) co_return {};
   if (!resolved) co_return std::unexpected(resolved.error().text);
+  if (model_.accountID() != account && waits()) co_return std::unexpected(first);
   if (model_.accountID() != account)
     co_return std::unexpected(QStringLiteral("You are no longer a member of this account."));
   sync_->fullSync();

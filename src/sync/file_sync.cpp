@@ -134,7 +134,6 @@ bool FileSync::isQueued(const NamedFile& file) const {
 }
 
 void FileSync::goOn() {
-  deleteTakenOut();
   queue_->process();
   fetchSoon_.start();
 }
@@ -264,7 +263,7 @@ void FileSync::keepTakenOut(const QJsonArray& files) {
 
 void FileSync::deleteTakenOut() {
   const QJsonArray files = takenOut();
-  if (files.isEmpty() || model_.accountID().empty() || model_.dirtyCount() > 0) return;
+  if (files.isEmpty() || model_.accountID().empty() || model_.dirtyCount() + model_.unsavedCount() > 0) return;
   std::set<std::pair<std::string, std::string>> named;
   forEachKind([&]<class T>(std::type_identity<T>) {
     for (const T& record : model_.collection<T>().records())

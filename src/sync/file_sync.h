@@ -35,6 +35,10 @@ class FileSync : public QObject {
   void start();
   /// Goes on with what waits, both ways; after every exchange of records.
   void goOn();
+  /// Deletes from the buckets what edits made here took out of their records, once all that was done here has been
+  /// sent, unless a record names it again or a conflict that is open could bring it back. After a whole exchange alone:
+  /// what others named since is known then.
+  void deleteTakenOut();
   /// Another user may sign in next: nothing that was fetched for this one stays in the cache of downloads.
   void forgetDownloads() { cache_.clear(); }
 
@@ -74,9 +78,6 @@ class FileSync : public QObject {
   void noteTakenOut(const Edit& edit);
   QJsonArray takenOut() const;
   void keepTakenOut(const QJsonArray& files);
-  /// Deletes them from the buckets once all that was done here has been sent, unless a record names them again or a
-  /// conflict that is open could bring them back.
-  void deleteTakenOut();
   QCoro::Task<void> fetchMissing();
   std::vector<NamedFile> missingFiles() const;
   /// Uploads of records that wait themselves, and were not queued: added before the account was known, or moved out of

@@ -334,6 +334,7 @@ QCoro::Task<void> SyncManager::work(SyncRunPtr run, Extent extent) {
     if (!co_await prepare(run, extent, &stamps)) co_return;
   }
   if (co_await sendDeletions(run)) co_await exchange(run, extent, &stamps);
+  if (run->unanswered > 0) run->lostConnection = true;
 }
 
 QCoro::Task<bool> SyncManager::prepare(SyncRunPtr run, Extent extent, Stamps* stamps) {
@@ -519,6 +520,9 @@ QCoro::Task<SyncManager::Exchanged> SyncManager::exchangeTable(SyncRunPtr run, c
   const bool whole = done && *done && **done;
   if (!done) {
     noteOverrun(*run, step->label, step->table);
+    // Its requests may be under way for a while; the tables after it do not wait behind them.
+    run->turns = std::make_shared<RequestTurns>();
+    run->ahead = std::make_shared<PagesAhead>();
     // What came down in that time need not come again: a long table over a slow link arrives in several runs.
     const std::int64_t reached = pagesReached();
     goOn_ = goOn_ || reached > std::exchange(reached_, reached);

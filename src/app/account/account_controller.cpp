@@ -41,6 +41,11 @@ AccountController::AccountController(StoreSession& session, CloudSession* cloud,
     connect(&model(), signal, this, &AccountController::changed);
   }
   if (!cloud_) return;
+  connect(&model(), &AppViewModel::reloaded, this, [this, user = std::string(), account = std::string()]() mutable {
+    const std::string userBefore = std::exchange(user, model().prefix());
+    const std::string accountBefore = std::exchange(account, model().fleetAccount());
+    if (userBefore == user && !accountBefore.empty() && accountBefore != account) Q_EMIT accountChanged();
+  });
   connect(cloud_, &CloudSession::changed, this, [this] {
     // Signed out by the command line, the window has no fleet any more.
     if (app_.phase() == u"ready" && model().prefix().empty()) app_.setPhase(QStringLiteral("welcome"));

@@ -110,6 +110,8 @@ class AccountController : public QObject {
   /// The session has ended while the user was at work; the window calls `showSignIn` when nothing is being typed.
   void expired();
   void passwordChanged();
+  /// The fleet of another of the user's accounts has come into view.
+  void accountChanged();
   /// The user is no member any more of the account whose fleet was in view. `text` tells what became of it; `prefix`
   /// opens it.
   void fleetKept(const QString& text, const QString& prefix);

@@ -83,7 +83,8 @@ QString SyncController::state() const {
   if (!shown()) return {};
   const SyncManager& sync = cloud_->sync();
   if (cloud_->needsSignIn()) return QStringLiteral("signIn");
-  if (sync.isSyncing()) return QStringLiteral("syncing");
+  if (sync.isSyncing() || (model_.accountID().empty() && cloud_->account().isResolving()))
+    return QStringLiteral("syncing");
   if (sync.isOffline()) return QStringLiteral("offline");
   if (model_.accountID().empty() || !model_.accessRefusal().empty()) return QStringLiteral("problem");
   if (!sync.problems().empty() || cloud_->files().failedCount() > 0) return QStringLiteral("problem");

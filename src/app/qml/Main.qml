@@ -171,6 +171,8 @@ T.ApplicationWindow {
             expiry.due = true;
             expiry.go();
         }
+        // What is being entered belongs to the fleet that was in view; it stays as its draft there.
+        function onAccountChanged() { sheets.discard(); }
         function onFleetKept(text, prefix) {
             sheets.discard();
             const dialog = keptDialog.made();

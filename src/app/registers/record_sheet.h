@@ -221,7 +221,8 @@ class RecordSheetOf : public RecordSheet {
     setRestored();
   }
   static QString draftKey(const AppViewModel& store, const T& record, bool isNew) {
-    std::string key = "draft." + store.prefix() + "." + std::string(RecordKind<T>::facts.collection);
+    std::string key =
+        "draft." + store.prefix() + "@" + store.fleetAccount() + "." + std::string(RecordKind<T>::facts.collection);
     if (isNew) {
       if (const auto vessel = vesselOf(record)) key += "." + vessel->toString();
       key += ".new";
