@@ -92,7 +92,7 @@ struct RowKind<Vessel> {
   using Row = SBVesselRow;
   static constexpr RowFacts facts{"vessels", "sort_order.asc,name.asc"};
   static void finishRow(const Vessel& vessel, Row& row) {
-    if (vessel.sortOrder >= unordered) row.sortOrder.reset();
+    if (vessel.sortOrder == unordered) row.sortOrder.reset();
   }
   static void finishRecord(const Row& row, Vessel& vessel) {
     if (!row.sortOrder) vessel.sortOrder = unordered;

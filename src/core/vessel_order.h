@@ -16,7 +16,7 @@ template <class Vessels>
 std::int64_t nextPlace(const Vessels& vessels) {
   std::int64_t next = 0;
   for (const Vessel& vessel : vessels)
-    if (vessel.sortOrder < unordered) next = std::max(next, vessel.sortOrder + 1);
+    if (vessel.sortOrder != unordered) next = std::max(next, vessel.sortOrder + 1);
   return std::min(next, unordered);
 }
 

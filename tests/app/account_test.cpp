@@ -134,7 +134,8 @@ TEST_F(AtSea, SigningOutWithUnsentChangesAsksFirst) {
   QSignalSpy asked(account_.get(), &AccountController::signOutQuestion);
   account_->requestSignOut();
   ASSERT_EQ(asked.count(), 1);
-  EXPECT_TRUE(asked.first().first().toString().startsWith(QStringLiteral("1 change has not been sent")));
+  EXPECT_TRUE(asked.first().first().toString().startsWith(QStringLiteral("2 changes have not been sent")))
+      << "the choice of a vessel waits too";
   EXPECT_EQ(model().vessels().size(), 1) << "nothing was closed yet";
   account_->signOut();
   EXPECT_EQ(app_.phase(), QStringLiteral("welcome"));

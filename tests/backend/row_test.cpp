@@ -80,8 +80,11 @@ TYPED_TEST(RowTest, EmptyRecordsAndRowsAgreeAndNullsAreSent) {
   // A row of an older server with hardly a column gives the same record.
   const auto bare = recordFromJson<RowOf<TypeParam>>(R"({"id":"00000000-0000-0000-0000-000000000000"})");
   ASSERT_TRUE(bare);
-  if constexpr (!requires { RowKind<TypeParam>::whole; })
-    EXPECT_EQ(recordFromRow<TypeParam>(*bare)->record, TypeParam{});
+  if constexpr (!requires { RowKind<TypeParam>::whole; }) {
+    TypeParam expected{};
+    if constexpr (std::is_same_v<TypeParam, Vessel>) expected.sortOrder = unordered;
+    EXPECT_EQ(recordFromRow<TypeParam>(*bare)->record, expected);
+  }
 
   // Full and empty rows have the same keys, as one request demands.
   const auto keys = [](const std::string& json) {

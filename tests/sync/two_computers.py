@@ -119,11 +119,12 @@ class TwoComputers(unittest.TestCase):
         members = json.loads(self.run_on(0, "account", "--json"))["members"]
         self.assertIn("mate@example.com", [member.get("invitedEmail") for member in members])
         # A photo that could not go up is told, and holds up the sign-out like any other work.
-        user = next(member["userId"] for member in members if member.get("userId"))
+        own = next(member for member in members if member.get("userId"))
         with open(os.path.join(os.path.dirname(self.stores[0]), "transfers.json"), "w", encoding="utf-8") as waiting:
-            json.dump([{"id": "11111111-1111-4111-8111-111111111111", "userID": user, "bucket": "task_photos",
-                        "path": "a/b.jpg", "localFile": "/nowhere/b.jpg", "problem": "It is not there any more.",
-                        "isParked": True, "name": "Impeller"}], waiting)
+            json.dump([{"id": "11111111-1111-4111-8111-111111111111", "userID": own["userId"],
+                        "accountID": own["accountId"], "bucket": "task_photos", "path": "a/b.jpg",
+                        "localFile": "/nowhere/b.jpg", "problem": "It is not there any more.", "isParked": True,
+                        "name": "Impeller"}], waiting)
         self.assertEqual(json.loads(self.run_on(0, "status", "--json"))["filesFailed"], 1)
         self.assertIn("Task photo “Impeller” could not go up: It is not there any more.", self.run_on(0, "status"))
         self.run_on(0, "sign-out", status=1)
